@@ -1,0 +1,7 @@
+#pragma once
+// Who sits at the machine.
+
+/// Name of the user of the active graphical session on seat0, freed with `free`; null when there is none or the login
+/// manager can't be asked. Ends the process with status 2 when the libraries it loads are missing.
+/// Thread: main; waits for up to four answers.
+char *getActiveUser();

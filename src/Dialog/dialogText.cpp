@@ -1,0 +1,149 @@
+// The words of a question, from what the agent sent. Everything here takes bytes as they come and gives valid UTF-8.
+
+#include "src/Dialog/dialogText.h"
+
+#include <cstring>
+
+namespace
+{
+/// What a line break counts, in characters: about a line of a narrow dialog.
+constexpr int lineBreakRoom = 40;
+/// A word of this many characters is longer than a line of every dialog.
+constexpr int overlongWordCharacters = 40;
+constexpr int firstFileField = 2;
+
+int roomOf(gunichar character)
+{
+    return character == '\n' ? lineBreakRoom : 1;
+}
+
+bool isVisible(gunichar character)
+{
+    return g_unichar_isgraph(character) && !g_unichar_iszerowidth(character);
+}
+
+// -------------------------------------------------------------------------------------- markup without links
+
+/// True for the elements that are left out of the copy: links, and the root that the copy gets again.
+bool isLeftOut(const char *element)
+{
+    return strcmp(element, "a") == 0 || strcmp(element, "markup") == 0;
+}
+
+void copyStart(GMarkupParseContext *, const char *element, const char **names, const char **values, gpointer copy,
+               GError **)
+{
+    if (isLeftOut(element))
+        return;
+    auto *text = static_cast<GString *>(copy);
+    g_string_append_printf(text, "<%s", element);
+    for (guint i = 0; names[i]; i++) {
+        g_autofree char *value = g_markup_escape_text(values[i], -1);
+        g_string_append_printf(text, " %s=\"%s\"", names[i], value);
+    }
+    g_string_append_c(text, '>');
+}
+
+void copyEnd(GMarkupParseContext *, const char *element, gpointer copy, GError **)
+{
+    if (!isLeftOut(element))
+        g_string_append_printf(static_cast<GString *>(copy), "</%s>", element);
+}
+
+void copyText(GMarkupParseContext *, const char *text, gsize length, gpointer copy, GError **)
+{
+    g_autofree char *escaped = g_markup_escape_text(text, gssize(length));
+    g_string_append(static_cast<GString *>(copy), escaped);
+}
+
+/// The markup without its links, or null when it isn't well formed.
+OwnedText copyWithoutLinks(const char *text)
+{
+    static constexpr GMarkupParser copier = {copyStart, copyEnd, copyText, nullptr, nullptr};
+    g_autoptr(GString) copy = g_string_new(nullptr);
+    g_autofree char *rooted = g_strconcat("<markup>", text, "</markup>", nullptr);
+    g_autoptr(GMarkupParseContext) context =
+        g_markup_parse_context_new(&copier, G_MARKUP_TREAT_CDATA_AS_TEXT, copy, nullptr);
+    const bool isWellFormed = g_markup_parse_context_parse(context, rooted, -1, nullptr) &&
+                              g_markup_parse_context_end_parse(context, nullptr);
+    return OwnedText(isWellFormed ? g_strdup(copy->str) : nullptr);
+}
+} // namespace
+
+int measureTextRoom(const char *text)
+{
+    int room = 0;
+    for (const char *at = text; *at && room <= readableTextRoom; at = g_utf8_next_char(at))
+        room += roomOf(g_utf8_get_char(at));
+    return MIN(room, readableTextRoom + 1);
+}
+
+OwnedText decodeQuestion(const char *base64)
+{
+    gsize length = 0;
+    g_autofree guchar *bytes = g_base64_decode(base64 ? base64 : "", &length);
+    const OwnedText text(g_strndup(reinterpret_cast<const char *>(bytes), length)); // ends at the first NUL byte
+    return displayable_text(text.get());
+}
+
+bool hasVisibleText(const char *text)
+{
+    for (const char *at = text; *at; at = g_utf8_next_char(at))
+        if (isVisible(g_utf8_get_char(at)))
+            return true;
+    return false;
+}
+
+OwnedText cutToReadable(const char *text, bool *wasCut)
+{
+    OwnedText shown = displayable_text(text);
+    int room = 0;
+    char *at = shown.get();
+    while (*at && room + roomOf(g_utf8_get_char(at)) <= readableTextRoom) {
+        room += roomOf(g_utf8_get_char(at));
+        at = g_utf8_next_char(at);
+    }
+    *wasCut = *at != '\0';
+    if (!*wasCut)
+        return shown;
+    *at = '\0';
+    return OwnedText(g_strconcat(shown.get(), "…", nullptr));
+}
+
+bool hasOverlongWord(const char *text)
+{
+    int length = 0;
+    for (const char *at = text; *at && length <= overlongWordCharacters; at = g_utf8_next_char(at))
+        length = g_unichar_isspace(g_utf8_get_char(at)) ? 0 : length + 1;
+    return length > overlongWordCharacters;
+}
+
+OwnedText plainMarkup(const char *text)
+{
+    if (measureTextRoom(text) > readableTextRoom)
+        return nullptr;
+    OwnedText markup = copyWithoutLinks(text);
+    g_autofree char *words = nullptr;
+    if (!markup || !pango_parse_markup(markup.get(), -1, '_', nullptr, &words, nullptr, nullptr))
+        return nullptr;
+    return hasVisibleText(words) ? std::move(markup) : nullptr;
+}
+
+OwnedText listOfferedFiles(const char *line)
+{
+    const OwnedTexts fields(g_strsplit(line ? line : "", " ", -1));
+    g_autoptr(GString) sentence = g_string_new(nullptr);
+    for (guint i = firstFileField; i < g_strv_length(fields.get()); i++) {
+        const char *field = fields.get()[i];
+        const OwnedText name = unescape_text(field);
+        g_string_append(sentence, i == firstFileField ? "File Name:  " : ", ");
+        g_string_append(sentence, name ? name.get() : field);
+    }
+    g_string_append_c(sentence, '.');
+    return displayable_text(sentence->str);
+}
+
+OwnedText escapePath(const char *path)
+{
+    return OwnedText(g_uri_escape_string(path, nullptr, TRUE));
+}

@@ -1,0 +1,37 @@
+#pragma once
+// The words of a question: decided here, shown elsewhere. No widget, no global. Thread: any.
+
+#include "src/support.h"
+
+/// Room from which a text is put into a scrolled area, about 24 lines of a narrow dialog.
+inline constexpr int scrolledTextRoom = 1200;
+/// Room that a question may take at most; the rest is cut.
+inline constexpr int readableTextRoom = 30000;
+
+/// How much room a text takes: one for each character, a line's worth for each line break; never more than one past
+/// `readableTextRoom`, however long the text is.
+int measureTextRoom(const char *text);
+
+/// The text of a base64 field, which may be null: decoded, cut at a NUL byte, repaired where it isn't UTF-8; never
+/// null.
+OwnedText decodeQuestion(const char *base64);
+
+/// True when there is something to read in a text: not only blanks, controls and characters without width.
+bool hasVisibleText(const char *text);
+
+/// A text that can be read whole, or its beginning and an ellipsis. @param wasCut set, never null.
+OwnedText cutToReadable(const char *text, bool *wasCut);
+
+/// True when a text has a word that is longer than a line.
+bool hasOverlongWord(const char *text);
+
+/// Markup with mnemonics as a label can show it: links are taken out, their words stay.
+/// @return null when the text isn't markup, takes too much room, or shows nothing to read
+OwnedText plainMarkup(const char *text);
+
+/// The offered files as a sentence: "File Name:  a, b.", or "." without a file.
+/// @param line  the agent's prompt with the escaped names from field 2 on; may be null
+OwnedText listOfferedFiles(const char *line);
+
+/// A path as one field of a line: reserved characters escaped, UTF-8 kept.
+OwnedText escapePath(const char *path);
