@@ -1,0 +1,22 @@
+#pragma once
+// The conversation as plain text and its file.
+
+#include "src/main.h"
+#include "src/support.h"
+
+/// Appends one entry; short when the minute is that of the previous one. Thread: any.
+/// @param message  may be null, which is written as "(null)"
+void store_chat_message(const char *message, const char *sender, ChatWindow *chatwindow, struct tm now,
+                        struct tm previous);
+/// Appends one entry with sender and time. The caller holds `ChatWindow.mutex`. Thread: any.
+/// @param message  may be null, as above
+void appendFullEntry(ChatWindow *chatwindow, const char *sender, const char *message, const struct tm &now);
+
+/// What stands above the conversation in a transcript's file. Thread: any.
+/// @param sessionKey, sessionType  may be null
+OwnedText transcriptHeader(const struct tm &today, const char *sessionKey, const char *sessionType);
+
+/// Makes the save button usable. Thread: any; the widget changes on the main thread.
+void enableChatTranscriptButton(ChatWindow *chatwindow);
+/// "clicked" of the save button: asks for a folder and writes the transcript there. Thread: main.
+void SaveChatTranscript(GtkWidget *button, ChatWindow *chatwindow);
