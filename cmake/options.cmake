@@ -1,0 +1,18 @@
+# Compiler options of every target, and the libraries that the program is linked with.
+
+add_library(brindle_options INTERFACE)
+target_compile_options(brindle_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef -Werror)
+target_compile_definitions(brindle_options INTERFACE G_LOG_DOMAIN="brindle-ui")
+
+if(BRINDLE_SANITIZE)
+    add_compile_options(-fsanitize=${BRINDLE_SANITIZE} -fno-omit-frame-pointer -O1)
+    add_link_options(-fsanitize=${BRINDLE_SANITIZE})
+    if(BRINDLE_SANITIZE MATCHES "thread")
+        # The race checker can't see into GLib's locks, queues and sources: a shim tells it what they order.
+        set(BRINDLE_RACE_CHECK ON)
+    endif()
+endif()
+
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0>=3.22 gmodule-2.0 x11)
+pkg_check_modules(CJSON REQUIRED IMPORTED_TARGET libcjson)

@@ -1,0 +1,88 @@
+// A session that the agent started ends with the agent: the kernel sends SIGTERM when the parent dies. The signal is
+// blocked in every thread but one that waits for it and never holds a lock, so the handler may log and ask for the end
+// wherever the rest of the program happens to be.
+
+#include "src/agentLauncher.h"
+
+#include "Logger/logger.h"
+#include "src/support.h"
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace
+{
+
+// Written by holdBackSigterm before any other thread runs.
+pid_t firstParent = 0;
+
+sigset_t sigtermAlone()
+{
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGTERM);
+    return set;
+}
+
+/// Body of "Brindle-signals": the one thread in which SIGTERM is delivered.
+gpointer waitForSigterm(gpointer)
+{
+    const sigset_t set = sigtermAlone();
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    for (;;)
+        pause();
+}
+
+bool installHandler()
+{
+    struct sigaction action = {};
+    action.sa_handler = ParentSignal;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    return sigaction(SIGTERM, &action, nullptr) == 0;
+}
+
+} // namespace
+
+void holdBackSigterm()
+{
+    firstParent = getppid();
+    const sigset_t set = sigtermAlone();
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
+void releaseSigterm()
+{
+    const sigset_t set = sigtermAlone();
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+int handle_on_Parent_kill()
+{
+    UI_ENTER();
+    if (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0) {
+        UI_INFO("error setting up parent porcess signal");
+        return 0;
+    }
+    if (!installHandler()) {
+        UI_INFO("cant catch sigint");
+        return 0;
+    }
+    g_thread_unref(g_thread_new("Brindle-signals", waitForSigterm, nullptr));
+    if (getppid() != firstParent)
+        kill(getpid(), SIGTERM); // it died before it could be watched
+    return 1;
+}
+
+void ParentSignal(int signalNumber)
+{
+    UI_ENTER();
+    if (signalNumber != SIGTERM) {
+        UI_INFO("Caught random signal");
+        return;
+    }
+    UI_INFO("Caught sigterm");
+    request_quit();
+}

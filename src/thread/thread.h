@@ -1,0 +1,11 @@
+#pragma once
+// The inbound way: reader, dispatcher and liveness check.
+
+#include "src/main.h"
+
+/// Body of "Brindle-checkI": reads the agent's pipe, one writer session a text. @param unused ignored.
+gpointer infiniteChecker(gpointer unused);
+/// Body of "Brindle-parseMessage". @param threadData a `ThreadData`, copied as the thread starts.
+gpointer messageParser(gpointer threadData);
+/// Body of "Brindle-UI-checker": ends the program when the agent stops pinging. @param mainwindow the `MainWindow`.
+gpointer uiChecker(gpointer mainwindow);
