@@ -83,14 +83,6 @@ void addEmptyText(GtkWidget *dialog)
     gtk_container_add(GTK_CONTAINER(content), label);
     gtk_box_reorder_child(GTK_BOX(content), label, 0);
 }
-
-void setLabelMargin(GtkWidget *label, int marginPx)
-{
-    gtk_widget_set_margin_start(label, marginPx);
-    gtk_widget_set_margin_end(label, marginPx);
-    gtk_widget_set_margin_top(label, marginPx);
-    gtk_widget_set_margin_bottom(label, marginPx);
-}
 } // namespace
 
 gboolean show_userconfirmation_dialog(MainWindow *mainwindow)
@@ -276,7 +268,7 @@ gboolean show_dialog_transfer_control_demo(MainWindow *mainwindow)
         UI_INFO("parse confromation text");
     const Question &question = findQuestion(QuestionId::participantControl);
     GtkWidget *dialog = buildQuestion(question, mainwindow, controlText(name ? name : identifier.get()).get());
-    setLabelMargin(findLabel(dialog), controlLabelMarginPx);
+    g_object_set(findLabel(dialog), "margin", controlLabelMarginPx, nullptr);
     if (!name)
         addEmptyText(dialog);
     keepArgument(dialog, identifier.get());

@@ -16,6 +16,8 @@ GtkWidget *addAcceptAnswer(GtkWidget *dialog, const char *label, int response);
 /// whole is cut. Nobody agrees to what can't be read: for a cut or empty text the agreeing button is insensitive.
 /// @return the label.
 GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptResponse);
+/// The label itself, or a scrolled area around one whose text is long.
+GtkWidget *scrolledWhenLong(GtkWidget *label);
 /// Makes a label wrap; words that are longer than a line are broken.
 void wrapLabel(GtkWidget *label);
 

@@ -50,18 +50,6 @@ void disarmOnDestroy(GtkWidget *dialog, const char *)
 {
     keepOpen(dialog);
 }
-
-/// A scrolled area for a text that would not fit on the screen.
-GtkWidget *newScrolledArea(GtkWidget *label)
-{
-    GtkWidget *area = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(area), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(area), TRUE);
-    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(area), scrolledHeightPx);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), longLineCharacters);
-    gtk_container_add(GTK_CONTAINER(area), label);
-    return area;
-}
 } // namespace
 
 PangoAttrList *getPangoLineAttr(int rise)
@@ -102,6 +90,19 @@ void wrapLabel(GtkWidget *label)
         gtk_label_set_max_width_chars(GTK_LABEL(label), longLineCharacters);
 }
 
+GtkWidget *scrolledWhenLong(GtkWidget *label)
+{
+    if (measureTextRoom(gtk_label_get_text(GTK_LABEL(label))) <= scrolledTextRoom)
+        return label;
+    GtkWidget *area = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(area), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(area), TRUE);
+    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(area), scrolledHeightPx);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), longLineCharacters);
+    gtk_container_add(GTK_CONTAINER(area), label);
+    return area;
+}
+
 GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptResponse)
 {
     bool wasCut = false;
@@ -114,8 +115,7 @@ GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptRespo
     pango_attr_list_unref(attributes);
 
     GtkWidget *content = gtk_dialog_get_content_area(GTK_DIALOG(dialog));
-    const bool isLong = measureTextRoom(shown.get()) > scrolledTextRoom;
-    gtk_container_add(GTK_CONTAINER(content), isLong ? newScrolledArea(label) : label);
+    gtk_container_add(GTK_CONTAINER(content), scrolledWhenLong(label));
     if (wasCut || !hasVisibleText(shown.get()))
         gtk_dialog_set_response_sensitive(GTK_DIALOG(dialog), acceptResponse, FALSE);
     return label;

@@ -61,7 +61,7 @@ void logAnswer(const Question &question, int response, const char *handler)
     const bool isSilent =
         has(question, logsOnlyPressedRefusal) && response != question.acceptResponse && response != GTK_RESPONSE_REJECT;
     if (answer.log && !isSilent)
-        log_print(levelInfo, __LINE__, handler, "%s", answer.log);
+        UI_INFO_AS(handler, "%s", answer.log);
 }
 
 /// The answer's line and log text, in the row's order.
@@ -85,7 +85,7 @@ bool claimKind(MainWindow *mainwindow, const char *kind, const char *function)
 {
     if (add_active_dialog(mainwindow->active_dialogs, &mainwindow->mutex, kind))
         return true;
-    log_print(levelInfo, __LINE__, function, "window already active");
+    UI_INFO_AS(function, "window already active");
     return false;
 }
 

@@ -1,0 +1,218 @@
+// Asks the login manager over the system bus who owns the active graphical session of seat0. The bus functions are
+// looked up at run time. The log texts end in a newline of their own, on purpose.
+
+#include "src/Dialog/activeuser.h"
+
+#include "Logger/logger.h"
+
+#include <gio/gio.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <memory>
+
+namespace
+{
+// Filled by each call, always with the same values. Main thread.
+decltype(&g_bus_get_sync) p_g_bus_get_sync;
+decltype(&g_dbus_connection_call_sync) p_g_dbus_connection_call_sync;
+decltype(&g_variant_new) p_g_variant_new;
+decltype(&g_variant_get) p_g_variant_get;
+decltype(&g_variant_unref) p_g_variant_unref;
+decltype(&g_object_unref) p_g_object_unref;
+decltype(&g_error_free) p_g_error_free;
+
+constexpr int missingLibraryStatus = 2;
+constexpr char seatPath[] = "/org/freedesktop/login1/seat/seat0";
+constexpr char seatInterface[] = "org.freedesktop.login1.Seat";
+constexpr char sessionInterface[] = "org.freedesktop.login1.Session";
+
+struct BusDeleter {
+    void operator()(GDBusConnection *bus) const { p_g_object_unref(bus); }
+};
+struct VariantDeleter {
+    void operator()(GVariant *variant) const { p_g_variant_unref(variant); }
+};
+struct TextDeleter {
+    void operator()(char *text) const { g_free(text); }
+};
+using Bus = std::unique_ptr<GDBusConnection, BusDeleter>;
+using Variant = std::unique_ptr<GVariant, VariantDeleter>;
+using Text = std::unique_ptr<char, TextDeleter>;
+
+/// One property of an object of the login manager.
+struct Property {
+    const char *path;
+    const char *interfaceName;
+    const char *name;
+    const char *type; ///< of its value
+};
+
+void *try_open(const char *library)
+{
+    UI_ENTER();
+    void *handle = dlopen(library, RTLD_NOW);
+    if (handle)
+        return handle;
+    UI_INFO("dlopen %s failed: %s\n", library, dlerror());
+    exit(missingLibraryStatus);
+}
+
+void *req_sym(void *library, const char *name)
+{
+    UI_ENTER();
+    void *symbol = dlsym(library, name);
+    if (symbol)
+        return symbol;
+    UI_INFO("dlsym failed for %s: %s\n", name, dlerror());
+    exit(missingLibraryStatus);
+}
+
+template <class Function> void resolve(Function &slot, void *library, const char *name)
+{
+    slot = reinterpret_cast<Function>(req_sym(library, name));
+}
+
+void loadFunctions()
+{
+    void *glib = try_open("libglib-2.0.so.0");
+    void *gobject = try_open("libgobject-2.0.so.0");
+    void *gio = try_open("libgio-2.0.so.0");
+    resolve(p_g_bus_get_sync, gio, "g_bus_get_sync");
+    resolve(p_g_dbus_connection_call_sync, gio, "g_dbus_connection_call_sync");
+    resolve(p_g_variant_new, glib, "g_variant_new");
+    resolve(p_g_variant_get, glib, "g_variant_get");
+    resolve(p_g_variant_unref, glib, "g_variant_unref");
+    resolve(p_g_object_unref, gobject, "g_object_unref");
+    resolve(p_g_error_free, glib, "g_error_free");
+}
+
+/// Logs a failed step and frees its error.
+void reportFailure(const char *function, const char *step, GError *error)
+{
+    UI_INFO_AS(function, "%s failed: %p\n", step, static_cast<void *>(error));
+    if (error)
+        p_g_error_free(error);
+}
+
+Bus connectToSystemBus()
+{
+    GError *error = nullptr;
+    Bus bus(p_g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
+    if (bus) // a restart of the bus must not end the session
+        g_object_set(bus.get(), "exit-on-close", FALSE, nullptr);
+    else
+        reportFailure("getActiveUser", "g_bus_get_sync", error);
+    return bus;
+}
+
+/// Reads a property. @return its value; null when it has another type, or after an error.
+Variant readProperty(const Bus &bus, const Property &property, GError **error)
+{
+    const Variant reply(p_g_dbus_connection_call_sync(bus.get(), "org.freedesktop.login1", property.path,
+                                                      "org.freedesktop.DBus.Properties", "Get",
+                                                      p_g_variant_new("(ss)", property.interfaceName, property.name),
+                                                      nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, error));
+    if (!reply || !g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(v)")))
+        return nullptr;
+    GVariant *value = nullptr;
+    p_g_variant_get(reply.get(), "(v)", &value);
+    Variant owned(value);
+    return g_variant_is_of_type(value, G_VARIANT_TYPE(property.type)) ? std::move(owned) : nullptr;
+}
+
+Text readText(const Bus &bus, const Property &property, GError **error)
+{
+    const Variant value = readProperty(bus, property, error);
+    char *text = nullptr;
+    if (value)
+        p_g_variant_get(value.get(), "s", &text);
+    return Text(text);
+}
+
+/// Path of the seat's active session, or null.
+Text findSession(const Bus &bus)
+{
+    GError *error = nullptr;
+    const Variant value = readProperty(bus, {seatPath, seatInterface, "ActiveSession", "(so)"}, &error);
+    if (error) {
+        reportFailure("getActiveUser", "Get(ActiveSession)", error);
+        return nullptr;
+    }
+    char *id = nullptr;
+    char *path = nullptr;
+    if (value)
+        p_g_variant_get(value.get(), "(so)", &id, &path);
+    const Text ownedId(id);
+    Text ownedPath(path);
+    printf("Active session: id=%s path=%s\n", id ? id : "(null)", path ? path : "(null)");
+    fflush(stdout);
+    // A seat without a session says so with an empty id and the root as its path.
+    if (path && *path && strcmp(path, "/") != 0)
+        return ownedPath;
+    UI_INFO_AS("getActiveUser", "No active session on seat0.\n");
+    return nullptr;
+}
+
+bool isActive(const Bus &bus, const char *path)
+{
+    GError *error = nullptr;
+    const Variant value = readProperty(bus, {path, sessionInterface, "Active", "b"}, &error);
+    if (error) {
+        reportFailure("getActiveUser", "Get(Active)", error);
+        return false;
+    }
+    gboolean active = FALSE;
+    if (value)
+        p_g_variant_get(value.get(), "b", &active);
+    printf("ActiveState: %s\n", active ? "active" : "inactive");
+    fflush(stdout);
+    return active;
+}
+
+bool is_graphical_session(const Bus &bus, const char *path)
+{
+    UI_ENTER();
+    GError *error = nullptr;
+    const Text type = readText(bus, {path, sessionInterface, "Type", "s"}, &error);
+    if (error) {
+        UI_INFO("Get(Type) failed: (ignored) %p\n", static_cast<void *>(error));
+        p_g_error_free(error);
+    }
+    return type && (strcmp(type.get(), "x11") == 0 || strcmp(type.get(), "wayland") == 0);
+}
+
+/// A copy of the session's user name for `free`, or null.
+char *readUserName(const Bus &bus, const char *path)
+{
+    GError *error = nullptr;
+    const Text name = readText(bus, {path, sessionInterface, "Name", "s"}, &error);
+    if (error) {
+        reportFailure("getActiveUser", "Get(Name)", error);
+        return nullptr;
+    }
+    if (name && *name.get())
+        return strdup(name.get());
+    UI_INFO_AS("getActiveUser", "No username found in active session.\n");
+    return nullptr;
+}
+} // namespace
+
+char *getActiveUser()
+{
+    UI_ENTER();
+    loadFunctions();
+    const Bus bus = connectToSystemBus();
+    if (!bus)
+        return nullptr;
+    const Text session = findSession(bus);
+    if (!session || !isActive(bus, session.get()))
+        return nullptr;
+    if (!is_graphical_session(bus, session.get())) {
+        UI_INFO("Active session is not graphical (TTY). Exiting.\n");
+        return nullptr;
+    }
+    return readUserName(bus, session.get());
+}

@@ -1,0 +1,76 @@
+// The folder that offered files are saved in.
+
+#include "src/Dialog/fileTransferDialogs.h"
+
+#include "Logger/logger.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+constexpr mode_t folderMode = 0755;
+
+bool isFolder(const char *path)
+{
+    struct stat status;
+    return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+enum class Found { folder, nothing, unusable };
+
+Found lookAt(const char *path)
+{
+    struct stat status;
+    if (stat(path, &status) == 0) {
+        if (S_ISDIR(status.st_mode))
+            return Found::folder;
+        fprintf(stderr, "%s exists but is not a directory\n", path);
+        return Found::unusable;
+    }
+    if (errno == ENOENT)
+        return Found::nothing;
+    perror("stat");
+    return Found::unusable;
+}
+
+bool makeFolder(const char *path)
+{
+    if (mkdir(path, folderMode) == 0)
+        return true;
+    if (errno != EEXIST) {
+        perror("mkdir");
+        return false;
+    }
+    if (isFolder(path))
+        return true;
+    fprintf(stderr, "mkdir race: %s was created but is not dir\n", path);
+    return false;
+}
+
+/// Not through a link: somebody may have put one there meanwhile, and the program may run as root.
+void giveFolder(const char *path, const char *user)
+{
+    const struct passwd *account = getpwnam(user);
+    if (!account)
+        fprintf(stderr, "create_download_folder: user '%s' not found\n", user);
+    else if (lchown(path, account->pw_uid, account->pw_gid) != 0 && errno != EPERM && errno != EACCES)
+        perror("chown");
+}
+} // namespace
+
+char *create_download_folder(const char *path, const char *user)
+{
+    UI_ENTER();
+    if (!path || !user || !*user)
+        return nullptr;
+    const Found found = lookAt(path);
+    if (found == Found::unusable || (found == Found::nothing && !makeFolder(path)))
+        return nullptr;
+    if (found == Found::nothing)
+        giveFolder(path, user);
+    return g_strdup(path);
+}
