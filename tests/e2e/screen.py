@@ -1,0 +1,206 @@
+"""What the customer sees and touches: the accessible tree, pointer and keyboard, windows and pictures."""
+
+import subprocess
+import warnings
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+from Xlib import X, display, error  # noqa: E402
+
+from waiting import until  # noqa: E402
+
+warnings.simplefilter("ignore")
+Atspi.init()
+_TIMEOUT_MS = 5000
+Atspi.set_timeout(_TIMEOUT_MS, _TIMEOUT_MS)
+
+
+def xdotool(*arguments):
+    return subprocess.run(["xdotool", *map(str, arguments)], check=True, timeout=20, capture_output=True,
+                          text=True).stdout
+
+
+def children(accessible):
+    found = []
+    for index in range(accessible.get_child_count()):
+        child = accessible.get_child_at_index(index)
+        if child:
+            found.append(child)
+    return found
+
+
+def everything(accessible):
+    """The accessible and all below it, in the order of the tree."""
+    yield accessible
+    for child in children(accessible):
+        yield from everything(child)
+
+
+def has_state(accessible, state):
+    return accessible.get_state_set().contains(state)
+
+
+def shown(accessible):
+    return has_state(accessible, Atspi.StateType.SHOWING)
+
+
+def sensitive(accessible):
+    return has_state(accessible, Atspi.StateType.SENSITIVE)
+
+
+class Application:
+    """The program as assistive technology finds it."""
+
+    def __init__(self, pid):
+        self.pid = pid
+        self.root = until(self._find, "the program in the accessible tree")
+
+    def _find(self):
+        desktop = Atspi.get_desktop(0)
+        for application in children(desktop):
+            try:
+                if application.get_process_id() == self.pid:
+                    return application
+            except Exception:  # one that has just gone
+                continue
+        return None
+
+    def look(self, role, name=None, only_shown=True):
+        """First accessible of a role ("push button", "label", "dialog", ...) and name, or None."""
+        try:
+            for accessible in everything(self.root):
+                if accessible.get_role_name() != role or (name is not None and accessible.get_name() != name):
+                    continue
+                if not only_shown or shown(accessible):
+                    return accessible
+        except gi.repository.GLib.Error:  # the tree changed meanwhile
+            pass
+        return None
+
+    def find(self, role, name=None, only_shown=True, seconds=15):
+        return until(lambda: self.look(role, name, only_shown),
+                     lambda: f"{role} {name!r}; there is {self.describe()}", seconds)
+
+    def gone(self, role, name=None, seconds=15):
+        until(lambda: not self.look(role, name), f"{role} {name!r} goes away", seconds)
+
+    def labels(self, only_shown=True):
+        return [a.get_name() for a in everything(self.root)
+                if a.get_role_name() == "label" and (not only_shown or shown(a))]
+
+    def has_label(self, text, seconds=15):
+        self.find("label", text, seconds=seconds)
+
+    def describe(self):
+        try:
+            return [(a.get_role_name(), a.get_name()) for a in everything(self.root) if shown(a)]
+        except gi.repository.GLib.Error as failure:
+            return str(failure)
+
+
+def place_of(accessible):
+    """Middle of a control on the screen, once it has one."""
+    extents = until(lambda: _steady_extents(accessible), f"the place of {accessible.get_name()!r}")
+    return extents[0] + extents[2] // 2, extents[1] + extents[3] // 2
+
+
+def _steady_extents(accessible):
+    first = accessible.get_extents(Atspi.CoordType.SCREEN)
+    again = accessible.get_extents(Atspi.CoordType.SCREEN)
+    rectangle = (first.x, first.y, first.width, first.height)
+    if rectangle != (again.x, again.y, again.width, again.height) or first.width <= 0 or first.height <= 0:
+        return None
+    return rectangle if first.x >= 0 and first.y >= 0 else None
+
+
+def click(accessible, button=1):
+    """A real click of the pointer on the middle of a control."""
+    x, y = place_of(accessible)
+    xdotool("mousemove", x, y, "click", button)
+
+
+def key(*names):
+    xdotool("key", *names)
+
+
+def picture(path):
+    """A picture of the whole screen, for whoever looks into a failure."""
+    subprocess.run(["import", "-window", "root", str(path)], check=False, timeout=30)
+
+
+class Windows:
+    """Top-level windows as the X server knows them."""
+
+    def __init__(self):
+        self.display = display.Display()
+        self.display.set_error_handler(lambda *_: None)
+        self.root = self.display.screen().root
+
+    def titled(self, title):
+        """Visible windows with this title, wherever a window manager has put them."""
+        return [window for window in self._below(self.root) if self._title(window) == title and self._visible(window)]
+
+    def find(self, title, seconds=15):
+        return until(lambda: next(iter(self.titled(title)), None), f"a window titled {title!r}", seconds)
+
+    def position(self, window):
+        there = window.translate_coords(self.root, 0, 0)
+        return -there.x, -there.y
+
+    def size(self, window):
+        geometry = window.get_geometry()
+        return geometry.width, geometry.height
+
+    def focused(self):
+        """Title of the window that has the keyboard, or None."""
+        focus = self.display.get_input_focus().focus
+        while hasattr(focus, "id"):
+            title = self._title(focus)
+            if title:
+                return title
+            focus = focus.query_tree().parent
+            if not focus or focus == self.root:
+                return None
+        return None
+
+    def wait_focus(self, title):
+        until(lambda: self._focused_or_none() == title, lambda: f"focus on {title!r}, is {self._focused_or_none()!r}")
+
+    def close(self, window):
+        """What a click on the frame's close box makes the window manager send."""
+        from Xlib.protocol import event
+        protocols = self.display.intern_atom("WM_PROTOCOLS")
+        message = event.ClientMessage(window=window, client_type=protocols, data=(
+            32, [self.display.intern_atom("WM_DELETE_WINDOW"), X.CurrentTime, 0, 0, 0]))
+        window.send_event(message)
+        self.display.flush()
+
+    def _focused_or_none(self):
+        try:
+            return self.focused()
+        except (error.XError, AttributeError):
+            return None
+
+    def _below(self, window):
+        try:
+            for child in window.query_tree().children:
+                yield child
+                yield from self._below(child)
+        except error.XError:
+            return
+
+    def _title(self, window):
+        try:
+            name = window.get_full_text_property(self.display.intern_atom("_NET_WM_NAME"))
+            return name if isinstance(name, str) or name is None else name.decode()
+        except (error.XError, UnicodeDecodeError):
+            return None
+
+    @staticmethod
+    def _visible(window):
+        try:
+            return window.get_attributes().map_state == X.IsViewable
+        except error.XError:
+            return False

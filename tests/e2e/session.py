@@ -1,0 +1,280 @@
+"""A session of the real program: its folders, its agent, its process."""
+
+import ctypes
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+
+from logFile import LogFile  # noqa: E402
+from pipes import PipeReader, send_text  # noqa: E402
+from screen import Application, Windows, picture  # noqa: E402
+from waiting import until  # noqa: E402
+
+PROGRAM = os.environ["BRINDLE_UI_PROGRAM"]
+SIMULATOR = os.environ["AGENT_SIMULATOR_PROGRAM"]
+RESOURCES = pathlib.Path(os.environ["RESOURCE_FOLDER"])
+PICTURES = pathlib.Path(os.environ.get("PICTURE_FOLDER", tempfile.gettempdir()))
+_PING_SEEN = "Received Ping UI, sending alive response"
+FAST = 10  # how much faster the program's clock runs where no test says otherwise
+
+# Ends as the first line of "order" says; without one it stays. What it was called with is left in "starts".
+_AGENT = """#!/bin/sh
+printf '%s\\t' "$$" "$0" "$@" >>"{folder}/starts"
+echo >>"{folder}/starts"
+read order <"{folder}/order"
+case $order in kill) kill -9 $$ ;; esac
+exit "$order"
+"""
+
+
+def faster_clock(times):
+    """Environment in which every sleep and timer of a program is so many times shorter."""
+    library = next(pathlib.Path("/usr/lib").glob("*/faketime/libfaketimeMT.so.1"))
+    return {"LD_PRELOAD": str(library), "FAKETIME": f"+0 x{times}"} if times != 1 else {}
+
+
+def adopt_orphans():
+    """Lets this process wait for grandchildren whose parent has gone."""
+    set_child_subreaper = 36
+    if ctypes.CDLL(None, use_errno=True).prctl(set_child_subreaper, 1, 0, 0, 0) != 0:
+        raise OSError(ctypes.get_errno(), "prctl")
+
+
+class Home:
+    """A user's folder with an installed program; goes with its test."""
+
+    def __init__(self, resources=True):
+        self.path = pathlib.Path(tempfile.mkdtemp(prefix="brindleHome"))
+        self.product = self.path / ".brindle/Brindle"
+        self.pipes = self.path / ".brindle/temp"
+        self.applications = self.path / ".local/share/applications"
+        for folder in (self.product / "Logs", self.product / "bin", self.pipes, self.applications):
+            folder.mkdir(parents=True)
+        if resources:
+            (self.product / "Resource").symlink_to(RESOURCES)
+        self.log = LogFile(self.product / "Logs/ui.log")
+        self.entry = self.applications / "Brindle.desktop"
+        self._agent_folder = self.path / "agent"
+        self._agent_folder.mkdir()
+        os.mkfifo(self._agent_folder / "order")
+
+    def install_agent(self, name="main", text=None):
+        """The program that a "normal" session starts."""
+        program = self.product / "bin" / name
+        program.write_text(text or _AGENT.format(folder=self._agent_folder))
+        program.chmod(0o755)
+        return program
+
+    def agent_starts(self):
+        """One list of arguments for each start of the agent: process, program, arguments."""
+        try:
+            lines = (self._agent_folder / "starts").read_text().split("\n")[:-1]
+        except FileNotFoundError:
+            return []
+        return [line.split("\t")[:-1] for line in lines]
+
+    def agent_ends(self, order):
+        """Lets the running agent end with an exit status, or by "kill"."""
+        send_text(self._agent_folder / "order", f"{order}\n")
+
+    def remove(self):
+        for start in self.agent_starts():
+            _kill_agent(int(start[0]), self._agent_folder)
+        shutil.rmtree(self.path, ignore_errors=True)
+
+
+def _kill_agent(process, folder):
+    """Kills an agent that is left over, if the process is still that agent."""
+    try:
+        if str(folder.parent).encode() in pathlib.Path(f"/proc/{process}/cmdline").read_bytes():
+            os.kill(process, signal.SIGKILL)
+    except (FileNotFoundError, ProcessLookupError):
+        pass
+
+
+class Session:
+    """One run of the program with an agent on the other side of its pipes."""
+
+    def __init__(self, home, kind="normal", options=(), speed=FAST, environment=None, wrapper=(), pings=None,
+                 agent=True, arguments=None):
+        """
+        kind: session type; None leaves the option out
+        speed: how much faster its clock runs
+        wrapper: command that runs the program
+        pings: the agent pings; None: where the program wants to be pinged
+        agent: read what the program sends
+        arguments: the whole command line instead of kind and options
+        """
+        self.home = home
+        self.log = home.log
+        self.kind = kind
+        self.standard_error = home.path / "stderr"
+        self.standard_output = home.path / "stdout"
+        kind_options = [] if kind is None else ["-u", kind]
+        self.arguments = [PROGRAM, *(arguments if arguments is not None
+                                     else [*kind_options, "-p", str(home.path), *options])]
+        self.environment = {**os.environ, "HOME": str(home.path), **faster_clock(speed), **(environment or {})}
+        self.agent = PipeReader(home.pipes / "myfifo") if agent else None
+        with open(self.standard_output, "ab") as output, open(self.standard_error, "ab") as errors:
+            self.process = subprocess.Popen([*wrapper, *self.arguments], env=self.environment, stdout=output,
+                                            stderr=errors, stdin=subprocess.DEVNULL)
+        self._windows = None
+        self._application = None
+        self._ended = threading.Event()
+        self._pinged = pings
+        if pings is None:
+            self._pinged = kind not in (None, "", "normal")
+        if self._pinged:
+            threading.Thread(target=self._ping, args=(speed,), daemon=True).start()
+
+    @property
+    def pid(self):
+        return self.process.pid
+
+    @property
+    def windows(self):
+        self._windows = self._windows or Windows()
+        return self._windows
+
+    @property
+    def application(self):
+        self._application = self._application or Application(self.pid)
+        return self._application
+
+    def send(self, text, seconds=15):
+        """The agent writes one text; a line needs no newline of its own here."""
+        data = text if isinstance(text, bytes) else text.encode()
+        send_text(self.home.pipes / "Status", data if data.endswith(b"\n") else data + b"\n", seconds)
+
+    def send_raw(self, data, seconds=15):
+        send_text(self.home.pipes / "Status", data, seconds)
+
+    def ready(self):
+        """Waits until start-up is over: the window is there and a line from the agent is answered."""
+        self.log.expect("normal session" if self.kind in (None, "", "normal") else "Threads created")
+        self.settled()
+        return self
+
+    def settled(self):
+        """Waits until the program has worked through everything that was sent before."""
+        if not self._pinged:  # says nothing about technicians
+            before = self.log.count(_PING_SEEN)
+            self.send("PING UI")
+            self.log.expect(_PING_SEEN, before + 1)
+            return
+        marker = f"settled-{time.monotonic_ns()}"
+        self.send(f"sessionStatus {marker}")
+        self.log.expect(f"Unhandled message  {marker}")
+
+    def quit(self):
+        """The agent ends the session."""
+        self.send("exit")
+        return self.wait()
+
+    def wait(self, seconds=15):
+        """Waits for the end of the process and gives its status."""
+        until(lambda: self.process.poll() is not None, lambda: "the program ends; log:\n" + self.log.tail(), seconds)
+        self._ended.set()
+        return self.process.returncode
+
+    def alive(self):
+        return self.process.poll() is None
+
+    def warnings(self):
+        """GLib warnings and criticals that the program printed."""
+        text = self.standard_error.read_text(errors="replace")
+        return [line for line in text.splitlines() if re.search(r"(WARNING|CRITICAL|ERROR) \*\*", line)]
+
+    def clean_up(self):
+        self._ended.set()
+        if self.process.poll() is None:
+            self.process.kill()
+            self.process.wait()
+        if self.agent:
+            self.agent.stop()
+        self.home.remove()
+
+    def _ping(self, speed):
+        while not self._ended.wait(4 / speed):
+            try:
+                send_text(self.home.pipes / "Status", "PING UI\n", seconds=1)
+            except OSError:  # not there yet, or gone
+                pass
+
+
+class SessionCase(unittest.TestCase):
+    """Starts sessions and shows what they left behind when a test fails."""
+
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        cls.class_sessions = []
+
+    @classmethod
+    def tearDownClass(cls):
+        for session in cls.class_sessions:
+            session.clean_up()
+
+    def setUp(self):
+        self.sessions = []
+        self.addCleanup(self._finish)
+
+    @classmethod
+    def start_shared(cls, **options):
+        """A session that all tests of the class look at."""
+        session = _start(**options)
+        cls.class_sessions.append(session)
+        return session
+
+    def start(self, **options):
+        session = _start(**options)
+        self.sessions.append(session)
+        return session
+
+    def new_home(self, **options):
+        home = Home(**options)
+        self.addCleanup(home.remove)
+        return home
+
+    def _finish(self):
+        everyone = self.sessions + self.class_sessions
+        result = self._outcome.result
+        failed = any(test is self for test, _ in result.failures + result.errors)
+        if failed and everyone:
+            self._show(everyone)
+        for session in self.sessions:
+            session.clean_up()
+
+    def _show(self, sessions):
+        path = PICTURES / f"{self.id()}.png"
+        picture(path)
+        print(f"--- {self.id()}: picture in {path}", file=sys.stderr)
+        for session in sessions:
+            print(f"status {session.process.poll()}, log:\n{session.log.tail(60)}\n"
+                  f"stderr:\n{session.standard_error.read_text(errors='replace')[-3000:]}", file=sys.stderr)
+            if session.agent:
+                print(f"the agent received: {session.agent.lines()}", file=sys.stderr)
+
+
+def _start(home=None, resources=True, **options):
+    home = home or Home(resources=resources)
+    if not any(home.product.glob("bin/*")):
+        home.install_agent()
+    return Session(home, **options)
+
+
+def main():
+    unittest.main(verbosity=2)

@@ -1,0 +1,36 @@
+"""Waiting with a deadline: every wait of these tests goes through `until`."""
+
+import time
+
+from gi.repository import GLib
+
+
+class TimedOut(AssertionError):
+    """What was waited for did not come."""
+
+
+def until(question, what, seconds=15):
+    """Asks again every few milliseconds until the answer is true, and gives it.
+
+    what: what is waited for, or a function that says what is seen instead; part of the failure.
+    """
+    end = time.monotonic() + seconds
+    context = GLib.MainContext.default()
+    while True:
+        while context.iteration(False):  # news of the accessible tree arrives here
+            pass
+        answer = question()
+        if answer:
+            return answer
+        if time.monotonic() > end:
+            raise TimedOut(f"not within {seconds} s: {what() if callable(what) else what}")
+        time.sleep(0.01)
+
+
+def stays(question, what, seconds):
+    """The answer is true now and at every look of the next seconds."""
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        if not question():
+            raise AssertionError(f"did not stay so: {what() if callable(what) else what}")
+        time.sleep(0.01)
