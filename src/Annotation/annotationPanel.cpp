@@ -50,24 +50,10 @@ const Tool *findTool(const char *name)
     return nullptr;
 }
 
-// The window may go before the program ends; its last words then find no tools.
-void on_tool_destroyed(GtkWidget *tool, Annotation *annotation)
-{
-    for (GtkWidget *Annotation::*const working : workingTools)
-        if (annotation->*working == tool)
-            annotation->*working = nullptr;
-}
-
-void on_panel_destroyed(GtkWidget *, Annotation *annotation)
-{
-    annotation->contentArea = nullptr;
-}
-
 void scheduleGreyOut(GtkWidget *button)
 {
-    if (button)
-        g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, reinterpret_cast<GSourceFunc>(MakeButtonInSensitive),
-                        g_object_ref(button), g_object_unref);
+    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, reinterpret_cast<GSourceFunc>(MakeButtonInSensitive),
+                    g_object_ref(button), g_object_unref);
 }
 
 /// Greys out first: the program may report itself back to normal before the write returns.
@@ -86,26 +72,18 @@ void showHint(const InfoBar *infoBar)
     gtk_widget_show(infoBar->infoBar);
 }
 
-/// The panel is known only after the tools are connected, so its end is watched from its first opening on.
-void watchPanel(Annotation *annotation)
-{
-    if (!g_signal_handler_find(annotation->contentArea, G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr, annotation))
-        connect_signal(annotation->contentArea, "destroy", on_panel_destroyed, annotation);
-}
-
 void expand(MainWindow *mainwindow)
 {
     Annotation *const annotation = mainwindow->annotation;
-    watchPanel(annotation);
     startAnnotationApplication(mainwindow);
     annotation->buttonState = expanded;
     gtk_widget_show_all(annotation->contentArea);
-    log_print(levelInfo, __LINE__, "on_annotation_clicked", "Expaning annotation");
+    UI_INFO_AS("on_annotation_clicked", "Expaning annotation");
 }
 
 void minimize(Annotation *annotation)
 {
-    log_print(levelInfo, __LINE__, "on_annotation_clicked", "minimizing annotation");
+    UI_INFO_AS("on_annotation_clicked", "minimizing annotation");
     annotation->buttonState = collapsed;
     gtk_widget_hide(annotation->contentArea);
 }
@@ -115,11 +93,8 @@ void minimize(Annotation *annotation)
 int setupAnnotationClickHandling(MainWindow *mainwindow)
 {
     UI_ENTER();
-    for (GtkWidget *Annotation::*const working : workingTools) {
-        GtkWidget *const button = mainwindow->annotation->*working;
-        connect_signal(button, "clicked", HandleButtonClick, mainwindow);
-        connect_signal(button, "destroy", on_tool_destroyed, mainwindow->annotation);
-    }
+    for (GtkWidget *Annotation::*const working : workingTools)
+        connect_signal(mainwindow->annotation->*working, "clicked", HandleButtonClick, mainwindow);
     return 1;
 }
 
@@ -160,8 +135,7 @@ gboolean MakeButtonSensitive(MainWindow *mainwindow)
 {
     UI_ENTER();
     for (GtkWidget *Annotation::*const working : workingTools)
-        if (GtkWidget *const button = mainwindow->annotation->*working)
-            gtk_widget_set_sensitive(button, true);
+        gtk_widget_set_sensitive(mainwindow->annotation->*working, true);
     schedule_on_main(hideInfoBar, mainwindow->infoBarStruct);
     return G_SOURCE_REMOVE;
 }
@@ -169,6 +143,5 @@ gboolean MakeButtonSensitive(MainWindow *mainwindow)
 void collapseAnnotation(Annotation *annotation)
 {
     annotation->buttonState = collapsed;
-    if (annotation->contentArea)
-        minimizeExpander(annotation->contentArea);
+    minimizeExpander(annotation->contentArea);
 }

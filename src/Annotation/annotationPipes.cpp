@@ -136,7 +136,7 @@ void handleReport(const std::string &report, MainWindow *mainwindow)
     if (g_str_has_prefix(report.c_str(), "normal"))
         schedule_on_main(MakeButtonSensitive, mainwindow);
     else
-        log_print(levelInfo, __LINE__, "AnnotationPipeReader", "unhandled Message %s ", report.c_str());
+        UI_INFO_AS("AnnotationPipeReader", "unhandled Message %s ", report.c_str());
 }
 
 /// One report. @return false when the run is over and nothing is left to read.
@@ -147,7 +147,7 @@ bool takeReport(int pipe, const Run &run)
     case Reading::nothing:
         return false;
     case Reading::failed:
-        log_print(levelInfo, __LINE__, "AnnotationPipeReader", "error occured while writing pipes");
+        UI_INFO_AS("AnnotationPipeReader", "error occured while writing pipes");
         return true;
     case Reading::report:
         break;
@@ -161,7 +161,7 @@ void giveUpReading(const Run &run)
 {
     if (isOver(run))
         return; // the clean-up has deleted the pipe
-    log_print(levelInfo, __LINE__, "AnnotationPipeReader", "error reading pipe %s ", g_strerror(errno));
+    UI_INFO_AS("AnnotationPipeReader", "error reading pipe %s ", g_strerror(errno));
     endAnnotationRun(run.mainwindow->annotation, run.number);
 }
 
@@ -175,7 +175,7 @@ void readReports(const char *path, const Run &run)
             return;
         }
         if (pipe.reset(next) != 0)
-            log_print(levelInfo, __LINE__, "AnnotationPipeReader", "Error has occured");
+            UI_INFO_AS("AnnotationPipeReader", "Error has occured");
     } while (takeReport(pipe.get(), run));
 }
 

@@ -40,7 +40,7 @@ void clearCache(const WebKitLib *library, GtkWidget *webview)
     if (!library->web_view_get_context || !library->web_context_clear_cache)
         return;
     library->web_context_clear_cache(library->web_view_get_context(webview));
-    log_print(levelInfo, __LINE__, "LoadWebview", "Cleared webview cache");
+    UI_INFO_AS("LoadWebview", "Cleared webview cache");
 }
 
 GtkWidget *newArWindow(GtkWidget *webview)

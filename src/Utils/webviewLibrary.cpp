@@ -37,10 +37,10 @@ const char *fileNameOf(const char *path)
 
 void logMatches(const glob_t &found, const char *pattern, const char *folder)
 {
-    log_print(levelInfo, __LINE__, "CheckForInstalledLibs", "Found %zu matches for pattern '%s' in '%s':\n",
-              size_t(found.gl_pathc), pattern, folder);
+    UI_INFO_AS("CheckForInstalledLibs", "Found %zu matches for pattern '%s' in '%s':\n",
+               size_t(found.gl_pathc), pattern, folder);
     for (size_t i = 0; i < found.gl_pathc; i++)
-        log_print(levelInfo, __LINE__, "CheckForInstalledLibs", " → %s\n", fileNameOf(found.gl_pathv[i]));
+        UI_INFO_AS("CheckForInstalledLibs", " → %s\n", fileNameOf(found.gl_pathv[i]));
 }
 
 /// The match that sorts first; null when there is none.
@@ -76,12 +76,11 @@ template <class Function> void resolve(void *handle, const char *name, Function 
 
 void logMissing(const WebKitLib *library)
 {
-    log_print(levelInfo, __LINE__, "webkitlib_init",
-              "Failed to resolve required symbols from WebKit library. Missing:\n");
+    UI_INFO_AS("webkitlib_init", "Failed to resolve required symbols from WebKit library. Missing:\n");
     if (!library->webview_new)
-        log_print(levelInfo, __LINE__, "webkitlib_init", " - %s\n", requiredNew);
+        UI_INFO_AS("webkitlib_init", " - %s\n", requiredNew);
     if (!library->webview_load_uri)
-        log_print(levelInfo, __LINE__, "webkitlib_init", " - %s\n", requiredLoad);
+        UI_INFO_AS("webkitlib_init", " - %s\n", requiredLoad);
 }
 
 bool loadLibrary(WebKitLib *library)
@@ -90,8 +89,8 @@ bool loadLibrary(WebKitLib *library)
     if (library->handle)
         return true;
     const char *const trouble = dlerror();
-    log_print(levelInfo, __LINE__, "webkitlib_init", "Failed to load WebKit library '%s': %s\n", library->lib_path,
-              trouble ? trouble : "");
+    UI_INFO_AS("webkitlib_init", "Failed to load WebKit library '%s': %s\n", library->lib_path,
+               trouble ? trouble : "");
     return false;
 }
 

@@ -192,10 +192,12 @@ gboolean on_key(GtkWidget *, GdkEventKey *event, gpointer)
     return true;
 }
 
-Size screenSize()
+/// A row less than the screen: window managers put a focused window of exactly its size above everything else, and the
+/// companion's tools must stay within reach.
+Size overlaySize()
 {
     GdkWindow *const root = gdk_screen_get_root_window(gdk_screen_get_default());
-    return {gdk_window_get_width(root), gdk_window_get_height(root)};
+    return {gdk_window_get_width(root), gdk_window_get_height(root) - 1};
 }
 
 void connectInput(GtkWidget *window)
@@ -228,7 +230,7 @@ GtkWidget *newWindow(Size size)
 
 void openOverlay(std::function<void()> backToCursor)
 {
-    const Size size = screenSize();
+    const Size size = overlaySize();
     overlay.backToCursor = std::move(backToCursor);
     overlay.drawing = std::make_unique<Drawing>(size.width, size.height);
     overlay.window = newWindow(size);
