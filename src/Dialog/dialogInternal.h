@@ -18,7 +18,7 @@ GtkWidget *addAcceptAnswer(GtkWidget *dialog, const char *label, int response);
 GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptResponse);
 /// The label itself, or a scrolled area around one whose text is long.
 GtkWidget *scrolledWhenLong(GtkWidget *label);
-/// Makes a label wrap; words that are longer than a line are broken.
+/// Makes a label wrap, wide enough for a readable shape; words that are longer than a line are broken.
 void wrapLabel(GtkWidget *label);
 
 /// Centres the dialog on the screen.

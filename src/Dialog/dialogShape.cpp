@@ -19,9 +19,9 @@ namespace
 {
 constexpr int defaultWidthPx = 360;
 constexpr int liftPangoUnits = 10000;
-constexpr int scrolledHeightPx = 400;
-/// Characters in a line of a text that would else be wider than the screen.
-constexpr int longLineCharacters = 60;
+constexpr int scrolledHeightPx = 400, scrolledMinimumPx = 120;
+/// Characters in a line: a longer one is wrapped, a text isn't wrapped into shorter ones.
+constexpr int longestLineCharacters = 70, narrowLineCharacters = 32;
 
 /// The keys that answer a question when its buttons can take the focus.
 constexpr std::array<guint, 8> swallowedKeys = {GDK_KEY_Return, GDK_KEY_KP_Enter, GDK_KEY_space, GDK_KEY_Tab,
@@ -83,11 +83,13 @@ GtkWidget *addAcceptAnswer(GtkWidget *dialog, const char *label, int response)
 
 void wrapLabel(GtkWidget *label)
 {
-    const bool breaksWords = hasOverlongWord(gtk_label_get_text(GTK_LABEL(label)));
+    const char *text = gtk_label_get_text(GTK_LABEL(label));
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label), breaksWords ? PANGO_WRAP_WORD_CHAR : PANGO_WRAP_WORD);
-    if (breaksWords)
-        gtk_label_set_max_width_chars(GTK_LABEL(label), longLineCharacters);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), hasOverlongWord(text) ? PANGO_WRAP_WORD_CHAR : PANGO_WRAP_WORD);
+    // Without these a long text makes a dialog wider than the screen, and a resizable dialog leaves room for a text
+    // of one word a line.
+    gtk_label_set_max_width_chars(GTK_LABEL(label), longestLineCharacters);
+    gtk_label_set_width_chars(GTK_LABEL(label), MIN(measureLongestLine(text), narrowLineCharacters));
 }
 
 GtkWidget *scrolledWhenLong(GtkWidget *label)
@@ -98,7 +100,7 @@ GtkWidget *scrolledWhenLong(GtkWidget *label)
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(area), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(area), TRUE);
     gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(area), scrolledHeightPx);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), longLineCharacters);
+    gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(area), scrolledMinimumPx);
     gtk_container_add(GTK_CONTAINER(area), label);
     return area;
 }

@@ -110,6 +110,15 @@ OwnedText cutToReadable(const char *text, bool *wasCut)
     return OwnedText(g_strconcat(shown.get(), "…", nullptr));
 }
 
+int measureLongestLine(const char *text)
+{
+    const OwnedTexts lines(g_strsplit(text, "\n", -1));
+    glong longest = 0;
+    for (char **line = lines.get(); *line; line++)
+        longest = MAX(longest, g_utf8_strlen(*line, -1));
+    return int(longest);
+}
+
 bool hasOverlongWord(const char *text)
 {
     int length = 0;

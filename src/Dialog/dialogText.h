@@ -22,6 +22,9 @@ bool hasVisibleText(const char *text);
 /// A text that can be read whole, or its beginning and an ellipsis. @param wasCut set, never null.
 OwnedText cutToReadable(const char *text, bool *wasCut);
 
+/// Characters of the longest line of a text.
+int measureLongestLine(const char *text);
+
 /// True when a text has a word that is longer than a line.
 bool hasOverlongWord(const char *text);
 
