@@ -126,11 +126,27 @@ void loadStyle(const char *cssPath)
     UI_INFO_AS("main", "css styling has been added");
 }
 
+void closePanels()
+{
+    const MainWindow *const window = session.mainWindow;
+    GtkWidget *const closed[] = {
+        window->participants->contentArea, window->chat->contentArea,      window->annotation->contentArea,
+        window->fileTransfer->contentArea, window->infoBarStruct->infoBar, window->fileTransfer->textBar,
+        window->participants->seperator,   window->fileTransfer->seperator,
+    };
+    for (GtkWidget *const widget : closed)
+        gtk_widget_hide(widget);
+}
+
+// The panels are closed before the window first shows: a window manager would place it by the height it has then, and
+// the customer would see it shrink.
 void showWindow()
 {
     const MainWindow *const window = session.mainWindow;
-    gtk_widget_show_all(window->window);
+    gtk_widget_show_all(gtk_bin_get_child(GTK_BIN(window->window)));
+    closePanels();
     gtk_widget_hide(window->onDemandScreenSharingImage);
+    gtk_widget_show(window->window);
     if (isWayland())
         gtk_widget_hide(window->annotation->button);
 }
@@ -191,19 +207,6 @@ void beginStartedSession()
         window->isAlive = true;
     }
     session.watcher = g_thread_new("Brindle-UI-checker", uiChecker, window);
-}
-
-void closePanels()
-{
-    const MainWindow *const window = session.mainWindow;
-    GtkWidget *const closed[] = {
-        window->participants->contentArea, window->chat->contentArea,      window->annotation->contentArea,
-        window->fileTransfer->contentArea, window->infoBarStruct->infoBar, window->fileTransfer->textBar,
-        window->participants->seperator,   window->fileTransfer->seperator,
-    };
-    for (GtkWidget *const widget : closed)
-        gtk_widget_hide(widget);
-    resizeMainWindow(window->window);
 }
 
 /// The window with everything that belongs to it.
@@ -282,7 +285,7 @@ int main(int argc, char **argv)
         beginNormalSession();
     else
         beginStartedSession();
-    closePanels();
+    resizeMainWindow(session.mainWindow->window);
     run_main_loop();
     shutDown();
     return 0;

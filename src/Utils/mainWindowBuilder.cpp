@@ -82,6 +82,13 @@ void setReachTexts(GtkWidget *window)
     UI_INFO_AS("createMainWindow", "Settings title as OstrelReach");
 }
 
+/// Without its picture the window has none; with no error to fill in, GTK would complain on standard error.
+void setIcon(GtkWidget *window, const char *path)
+{
+    g_autoptr(GError) ignored = nullptr;
+    gtk_window_set_icon_from_file(GTK_WINDOW(window), path, &ignored);
+}
+
 void buildWindow(MainWindow *mainwindow)
 {
     GtkWidget *const window = keep_widget(gtk_window_new(GTK_WINDOW_TOPLEVEL));
@@ -92,7 +99,7 @@ void buildWindow(MainWindow *mainwindow)
     UI_INFO_AS("createMainWindow", "Window title: %s\n", mainwindow->productWindowTitle);
     if (g_strcmp0(mainwindow->urs, "oreach") == 0)
         setReachTexts(window);
-    gtk_window_set_icon_from_file(GTK_WINDOW(window), mainwindow->logoImagePath, nullptr);
+    setIcon(window, mainwindow->logoImagePath);
     gtk_widget_set_name(window, "MainWindow");
     gtk_window_set_gravity(GTK_WINDOW(window), GDK_GRAVITY_CENTER);
     gtk_window_set_keep_above(GTK_WINDOW(window), TRUE);

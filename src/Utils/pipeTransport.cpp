@@ -29,9 +29,9 @@ constexpr mode_t pipeMode = 0666;
 void createPipe(const char *path)
 {
     if (mkfifo(path, pipeMode) == 0)
-        UI_INFO("pipe created %s", path);
+        UI_INFO_AS("set_pipe_path", "pipe created %s", path);
     else
-        UI_INFO("error creating pipe %s", path);
+        UI_INFO_AS("set_pipe_path", "error creating pipe %s", path);
 }
 
 void chooseProduct(const InstallLayout &layout, const MainWindow *mainWindow)
