@@ -80,9 +80,7 @@ class TheAgent(SessionCase):
                                                       "child program exited with status 0"])
 
     def test_that_is_missing_counts_as_failing(self):
-        home = Home()
-        (home.product / "bin" / "other").write_text("")
-        session = self.start(home=home)
+        session = self.start(install_agent=False)
         self.assertEqual(session.wait(), 0)
         failed = "child program exited with status 1"
         self.assertEqual(supervision_lines(session), [failed, "retry count 3", failed, "retry count 2",

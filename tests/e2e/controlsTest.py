@@ -5,7 +5,7 @@ import select
 import signal
 import time
 
-from screen import Pixels, click, key, sensitive, xdotool
+from screen import Pixels, click, grab_focus, key, sensitive, xdotool
 from session import RESOURCES, SessionCase, main
 from waiting import stays, until
 
@@ -61,7 +61,7 @@ class TheSharingButton(SessionCase):
         self.session.send("sessionStatus Connected")
         button = self.ready_button(PAUSE)
         self.session.windows.wait_focus("Brindle")
-        button.get_component_iface().grab_focus()
+        grab_focus(button)
         key("space")
         self.session.agent.expect("buttonClicked stop")
 
@@ -100,7 +100,7 @@ class TheSettingsMenu(SessionCase):
 
     def test_asks_for_the_web_site_by_keyboard(self):
         self.session.windows.wait_focus("Brindle")
-        self.button.get_component_iface().grab_focus()
+        grab_focus(self.button)
         key("space")
         self.session.application.find("menu item", "Go to Website")
         key("Down", "Return")

@@ -18,6 +18,12 @@ _TIMEOUT_MS = 5000
 Atspi.set_timeout(_TIMEOUT_MS, _TIMEOUT_MS)
 
 
+def grab_focus(accessible):
+    """Moves the keyboard to a control, as assistive technology does."""
+    if not accessible.get_component_iface().grab_focus():
+        raise AssertionError(f"{accessible.get_name()!r} takes no focus")
+
+
 def xdotool(*arguments):
     return subprocess.run(["xdotool", *map(str, arguments)], check=True, timeout=20, capture_output=True,
                           text=True).stdout
@@ -87,9 +93,16 @@ class Application:
     def gone(self, role, name=None, seconds=15):
         until(lambda: not self.look(role, name), f"{role} {name!r} goes away", seconds)
 
-    def labels(self, only_shown=True):
-        return [a.get_name() for a in everything(self.root)
-                if a.get_role_name() == "label" and (not only_shown or shown(a))]
+    def shown_all(self, role):
+        """All shown accessibles of a role, in the order of the tree."""
+        try:
+            return [a for a in everything(self.root) if a.get_role_name() == role and shown(a)]
+        except gi.repository.GLib.Error:  # the tree changed meanwhile
+            return []
+
+    def labels(self):
+        """Texts of the shown labels that have one."""
+        return [a.get_name() for a in self.shown_all("label") if a.get_name()]
 
     def has_label(self, text, seconds=15):
         self.find("label", text, seconds=seconds)

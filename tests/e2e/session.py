@@ -38,6 +38,16 @@ case $order in kill) kill -9 $$ ;; esac
 exit "$order"
 """
 
+_ANNOTATION = """#!/bin/sh
+while [ $# -gt 1 ]; do
+  [ "$1" = -i ] && commands=$2
+  shift
+done
+until [ "$command" = Exit ]; do
+  command=$(cat "$commands") || exit
+done
+"""
+
 
 def faster_clock(times):
     """Environment in which every sleep and timer of a program is so many times shorter."""
@@ -76,6 +86,15 @@ class Home:
         program.write_text(text or _AGENT.format(folder=self._agent_folder))
         program.chmod(0o755)
         return program
+
+    def has_agent(self):
+        return any((self.product / "bin" / name).exists() for name in ("main", "screenshare"))
+
+    def install_annotation(self):
+        """A program that stands for the one that draws on the screen; ends when it is told to."""
+        program = self.product / "bin/Annotation"
+        program.write_text(_ANNOTATION)
+        program.chmod(0o755)
 
     def agent_starts(self):
         """One list of arguments for each start of the agent: process, program, arguments."""
@@ -269,9 +288,9 @@ class SessionCase(unittest.TestCase):
                 print(f"the agent received: {session.agent.lines()}", file=sys.stderr)
 
 
-def _start(home=None, resources=True, **options):
+def _start(home=None, resources=True, install_agent=True, **options):
     home = home or Home(resources=resources)
-    if not any(home.product.glob("bin/*")):
+    if install_agent and not home.has_agent():
         home.install_agent()
     return Session(home, **options)
 
