@@ -25,6 +25,7 @@ from waiting import until  # noqa: E402
 PROGRAM = os.environ["BRINDLE_UI_PROGRAM"]
 SIMULATOR = os.environ["AGENT_SIMULATOR_PROGRAM"]
 RESOURCES = pathlib.Path(os.environ["RESOURCE_FOLDER"])
+SANDBOX = str(pathlib.Path(__file__).parents[1] / "support/sandbox")
 PICTURES = pathlib.Path(os.environ.get("PICTURE_FOLDER", tempfile.gettempdir()))
 _PING_SEEN = "Received Ping UI, sending alive response"
 FAST = 10  # how much faster the program's clock runs where no test says otherwise
