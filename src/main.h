@@ -98,6 +98,7 @@ struct ChatWindow {
     GQueue received;      ///< what came and is not rendered yet, `ReceivedMessage`s, owned; zeroed is ready; locked
     bool isUpdateScheduled;  ///< `UpdateChat` will run for what is in `received`; locked
     bool isSavingTranscript; ///< the question for the transcript's folder is open; main
+    guint scrollSource;      ///< scrolls once more when the conversation is laid out; main
     const char *sessionType; ///< borrowed from the command line; constant
     char *settingsJsonPath;  ///< owned, may be null; constant
     char *sessionKey;        ///< owned, may be null; locked (written by the parser, read when a transcript is saved)

@@ -113,6 +113,7 @@ void renderSent(ChatWindow *chatwindow, const char *text)
         appendTagged(buffer, ownSender, {"rmarg_user", "gray_bg", "rightustification", "big", "usercolor"});
     appendTagged(buffer, text, {"rmarg", "gray_bg", "msg_size", "rightustification", "sendercolor"});
     gtk_text_view_scroll_mark_onscreen(view, markLastPosition(buffer));
+    scrollAgainWhenLaidOut(chatwindow);
 }
 
 void noteSent(ChatWindow *chatwindow, const char *text, const struct tm &now)

@@ -96,6 +96,7 @@ void append_message_with_clickable_range_word(GtkTextView *view, const char *tex
         activateWord(buffer, {start, start + int(strlen(word)), callback, nullptr}, chatwindow->clickableRange);
     }
     appendLineEndAndShow(view);
+    scrollAgainWhenLaidOut(chatwindow);
 }
 
 gboolean AddLenSession(_AddLenSessionData *data)

@@ -78,7 +78,17 @@ GtkWidget *newScrolledWindow(GtkWidget *content, int minimumHeightPx)
 // The window of a session may go before the session does; what still arrives then finds no view.
 void on_conversation_destroyed(GtkWidget *, ChatWindow *chatwindow)
 {
+    g_clear_handle_id(&chatwindow->scrollSource, g_source_remove);
     chatwindow->chatview = nullptr;
+}
+
+gboolean scrollToEnd(gpointer data)
+{
+    auto *const chatwindow = static_cast<ChatWindow *>(data);
+    chatwindow->scrollSource = 0;
+    GtkTextView *const view = GTK_TEXT_VIEW(chatwindow->chatview);
+    gtk_text_view_scroll_mark_onscreen(view, markLastPosition(gtk_text_view_get_buffer(view)));
+    return G_SOURCE_REMOVE;
 }
 
 GtkWidget *newConversation(ChatWindow *chatwindow)
@@ -168,4 +178,11 @@ GtkTextMark *markLastPosition(GtkTextBuffer *buffer)
     gtk_text_buffer_get_end_iter(buffer, &end);
     // Moves the mark when it is there already.
     return gtk_text_buffer_create_mark(buffer, "last_pos", &end, false);
+}
+
+void scrollAgainWhenLaidOut(ChatWindow *chatwindow)
+{
+    // Below the priority at which the toolkit measures lines and lays windows out.
+    if (chatwindow->scrollSource == 0)
+        chatwindow->scrollSource = g_idle_add_full(G_PRIORITY_LOW, scrollToEnd, chatwindow, nullptr);
 }

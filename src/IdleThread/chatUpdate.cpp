@@ -76,11 +76,13 @@ bool renderWaiting(ChatWindow *chatwindow, GtkTextBuffer *buffer)
     return isChanged;
 }
 
-void scrollToEnd(GtkTextView *view, GtkTextBuffer *buffer)
+void scrollToEnd(ChatWindow *chatwindow, GtkTextBuffer *buffer)
 {
     GtkTextMark *const end = markLastPosition(buffer);
-    if (gtk_widget_get_realized(GTK_WIDGET(view)))
-        gtk_text_view_scroll_to_mark(view, end, 0, false, 0, 0);
+    if (!gtk_widget_get_realized(chatwindow->chatview))
+        return;
+    gtk_text_view_scroll_to_mark(GTK_TEXT_VIEW(chatwindow->chatview), end, 0, false, 0, 0);
+    scrollAgainWhenLaidOut(chatwindow);
 }
 
 /// Has the rest rendered; without a rest the next message schedules anew.
@@ -117,11 +119,10 @@ gboolean UpdateChat(ChatWindow *chatwindow)
 {
     UI_ENTER();
     if (chatwindow->chatview) {
-        GtkTextView *const view = GTK_TEXT_VIEW(chatwindow->chatview);
-        GtkTextBuffer *const buffer = gtk_text_view_get_buffer(view);
+        GtkTextBuffer *const buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(chatwindow->chatview));
         openPanel(chatwindow);
         if (renderWaiting(chatwindow, buffer))
-            scrollToEnd(view, buffer);
+            scrollToEnd(chatwindow, buffer);
     } else {
         dropWaiting(chatwindow);
     }
