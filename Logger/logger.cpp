@@ -39,7 +39,7 @@ public:
     LogLock &operator=(const LogLock &) = delete;
 };
 
-void writeMessage(const char *format, va_list arguments)
+G_GNUC_PRINTF(1, 0) void writeMessage(const char *format, va_list arguments)
 {
     g_autofree char *message = g_strdup_vprintf(format, arguments);
     if (g_utf8_validate(message, -1, nullptr)) {

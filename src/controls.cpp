@@ -33,6 +33,8 @@ const char *sharingAction(int state)
 void putSharingImage(MainWindow *mainwindow)
 {
     GtkWidget *const button = mainwindow->startStopSharingButton;
+    if (!gtk_widget_get_parent(button))
+        return; // the window has gone, and with it the button's own picture
     const bool isPaused = mainwindow->StartButtonState == paused;
     gtk_button_set_image(GTK_BUTTON(button),
                          isPaused ? mainwindow->startSharingImage : mainwindow->stopSharingImage);

@@ -23,7 +23,7 @@ namespace
 {
 
 constexpr char desktopEntryName[] = "Brindle";
-constexpr gulong startDelayUs = 4 * G_USEC_PER_SEC;
+constexpr gulong startDelayUs = 4UL * G_USEC_PER_SEC;
 constexpr gulong shutDownPauseUs = 100000;
 constexpr int fromRightPx = 200;
 constexpr int fromBottomPx = 50;

@@ -25,7 +25,7 @@ static void unlinkKind(GList *list, GMutex *mutex, const char *kind)
     if (!entry)
         return;
     g_free(entry->data);
-    list = g_list_delete_link(list, entry);
+    [[maybe_unused]] const GList *const head = g_list_delete_link(list, entry); // as before
 }
 
 int is_dialog_active(GList *list, GMutex *mutex, const char *kind)
@@ -43,7 +43,7 @@ int add_active_dialog(GList *list, GMutex *mutex, const char *kind)
     const MutexLock lock(mutex);
     if (is_dialog_active(list, nullptr, kind))
         return 0;
-    list = g_list_append(list, g_strdup(kind));
+    [[maybe_unused]] const GList *const head = g_list_append(list, g_strdup(kind)); // as before
     return 1;
 }
 

@@ -20,7 +20,7 @@
 namespace
 {
 
-constexpr gulong livenessPeriodUs = 15 * G_USEC_PER_SEC;
+constexpr gulong livenessPeriodUs = 15UL * G_USEC_PER_SEC;
 constexpr gsize chatOffset = 5;        // "chat" and a separator
 constexpr gsize sessionKeyOffset = 11; // "sessionKey" and a separator
 
