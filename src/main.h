@@ -97,6 +97,7 @@ struct ChatWindow {
     GString *chatData;    ///< the conversation as plain text, owned, null until the first entry; locked
     GQueue received;      ///< what came and is not rendered yet, `ReceivedMessage`s, owned; zeroed is ready; locked
     bool isUpdateScheduled;  ///< `UpdateChat` will run for what is in `received`; locked
+    bool isButtonScheduled;  ///< the save button is about to be made usable; locked
     bool isSavingTranscript; ///< the question for the transcript's folder is open; main
     guint scrollSource;      ///< scrolls once more when the conversation is laid out; main
     const char *sessionType; ///< borrowed from the command line; constant

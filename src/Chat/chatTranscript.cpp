@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
+#include <utility>
 
 namespace
 {
@@ -40,8 +40,22 @@ void appendShortEntry(ChatWindow *chatwindow, const char *message)
     g_string_append_printf(conversation(chatwindow), "\n  \t\t\t %s", textOrNull(message));
 }
 
+/// @return false when the callback is on its way already: one is enough for a burst.
+bool takeButtonTurn(ChatWindow *chatwindow)
+{
+    const MutexLock lock(&chatwindow->mutex);
+    return !std::exchange(chatwindow->isButtonScheduled, true);
+}
+
+void endButtonTurn(ChatWindow *chatwindow)
+{
+    const MutexLock lock(&chatwindow->mutex);
+    chatwindow->isButtonScheduled = false;
+}
+
 gboolean makeButtonUsable(ChatWindow *chatwindow)
 {
+    endButtonTurn(chatwindow);
     if (chatwindow->chatExpander && chatwindow->chatExpander->rightButton)
         gtk_widget_set_sensitive(chatwindow->chatExpander->rightButton, true);
     return G_SOURCE_REMOVE;
@@ -166,7 +180,8 @@ OwnedText transcriptHeader(const struct tm &today, const char *sessionKey, const
 void enableChatTranscriptButton(ChatWindow *chatwindow)
 {
     UI_ENTER();
-    run_on_main(makeButtonUsable, chatwindow);
+    if (takeButtonTurn(chatwindow))
+        run_on_main(makeButtonUsable, chatwindow);
 }
 
 void SaveChatTranscript(GtkWidget *, ChatWindow *chatwindow)

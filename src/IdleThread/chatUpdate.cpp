@@ -12,7 +12,7 @@
 namespace
 {
 
-constexpr gint64 renderTimeUs = 25000; // then other callbacks and the screen get their turn
+constexpr gint64 renderTimeUs = 10000; // then other callbacks and the screen get their turn
 
 void openPanel(ChatWindow *chatwindow)
 {
