@@ -2,6 +2,7 @@
 
 import os
 import random
+import time
 
 from pipes import send_text
 from screen import click, sensitive
@@ -94,7 +95,10 @@ class TheSession(SessionCase):
 
     def test_ends_in_a_flood(self):
         self.session.send("sessionStatus Connected\n" * 5_000 + "exit\n" + "sessionStatus disconnected\n" * 20_000)
+        self.session.log.expect("closing agent")
+        began = time.monotonic()
         self.assertEqual(self.session.wait(), 0)
+        self.assertLess(time.monotonic() - began, 4)
         self.assertEqual(self.session.warnings(), [])
 
 

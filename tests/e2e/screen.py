@@ -1,5 +1,6 @@
 """What the customer sees and touches: the accessible tree, pointer and keyboard, windows and pictures."""
 
+import functools
 import subprocess
 import warnings
 
@@ -144,12 +145,18 @@ def picture(path):
     subprocess.run(["import", "-window", "root", str(path)], check=False, timeout=30)
 
 
+@functools.cache
+def the_display():
+    connection = display.Display()
+    connection.set_error_handler(lambda *_: None)  # windows come and go
+    return connection
+
+
 class Windows:
     """Top-level windows as the X server knows them."""
 
     def __init__(self):
-        self.display = display.Display()
-        self.display.set_error_handler(lambda *_: None)
+        self.display = the_display()
         self.root = self.display.screen().root
 
     def titled(self, title):
@@ -224,8 +231,7 @@ class Pixels:
     """What really stands on the screen, compared with picture files."""
 
     def __init__(self):
-        self.display = display.Display()
-        self.root = self.display.screen().root
+        self.root = the_display().screen().root
 
     def shows(self, accessible, file):
         """The picture file stands in the middle of a control, in its natural size, over the control's ground."""

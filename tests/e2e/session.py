@@ -297,4 +297,4 @@ def _start(home=None, resources=True, install_agent=True, **options):
 
 
 def main():
-    unittest.main(verbosity=2)
+    unittest.main(verbosity=2, warnings="ignore")
