@@ -96,8 +96,9 @@ void request_quit()
 {
     if (quitRequested.exchange(true))
         return;
-    // Also from the main thread: a handler that asks for the end still finishes what it does first.
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, endMainLoop, nullptr, nullptr);
+    // From the main thread, too: a handler that asks for the end still finishes what it does first. Callbacks that wait
+    // behind a flood of lines don't delay the end.
+    g_idle_add_full(G_PRIORITY_HIGH, endMainLoop, nullptr, nullptr);
 }
 
 bool quit_requested()

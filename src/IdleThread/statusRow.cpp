@@ -31,6 +31,8 @@ void enterState(MainWindow *mainwindow, int state)
 {
     customeRolesHandling(mainwindow);
     gtk_widget_set_sensitive(mainwindow->startStopSharingButton, TRUE);
+    if (mainwindow->StartButtonState == state)
+        return; // the button shows it already
     mainwindow->StartButtonState = state;
     showSharingButton(mainwindow);
 }

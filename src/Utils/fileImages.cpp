@@ -10,6 +10,8 @@
 namespace
 {
 
+constexpr char shownFileKey[] = "shown-file";
+
 int screenScale()
 {
     GdkWindow *const root = gdk_get_default_root_window();
@@ -79,6 +81,10 @@ GtkWidget *newImageFromFile(const char *path)
 
 void setImageFromFile(GtkWidget *image, const char *path)
 {
+    // The agent may report the same state again and again; the file is read once.
+    if (path && g_strcmp0(static_cast<const char *>(g_object_get_data(G_OBJECT(image), shownFileKey)), path) == 0)
+        return;
     if (!setDoubleSize(image, path))
         gtk_image_set_from_file(GTK_IMAGE(image), path);
+    g_object_set_data_full(G_OBJECT(image), shownFileKey, g_strdup(path), g_free);
 }
