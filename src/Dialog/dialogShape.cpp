@@ -85,7 +85,8 @@ void wrapLabel(GtkWidget *label)
 {
     const char *text = gtk_label_get_text(GTK_LABEL(label));
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label), hasOverlongWord(text) ? PANGO_WRAP_WORD_CHAR : PANGO_WRAP_WORD);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label),
+                                 measureLongestWord(text) > lineLongWord ? PANGO_WRAP_WORD_CHAR : PANGO_WRAP_WORD);
     // Without these a long text makes a dialog wider than the screen, and a resizable dialog leaves room for a text
     // of one word a line.
     gtk_label_set_max_width_chars(GTK_LABEL(label), longestLineCharacters);

@@ -8,8 +8,9 @@ namespace
 {
 /// What a line break counts, in characters: about a line of a narrow dialog.
 constexpr int lineBreakRoom = 40;
-/// A word of this many characters is longer than a line of every dialog.
-constexpr int overlongWordCharacters = 40;
+/// A word gets a place to break after so many characters.
+constexpr int unbrokenCharacters = 100;
+constexpr char invisibleBreak[] = "\u200B";
 constexpr int firstFileField = 2;
 
 int roomOf(gunichar character)
@@ -96,18 +97,25 @@ bool hasVisibleText(const char *text)
 
 OwnedText cutToReadable(const char *text, bool *wasCut)
 {
-    OwnedText shown = displayable_text(text);
+    const OwnedText whole = displayable_text(text);
+    g_autoptr(GString) shown = g_string_new(nullptr);
     int room = 0;
-    char *at = shown.get();
-    while (*at && room + roomOf(g_utf8_get_char(at)) <= readableTextRoom) {
-        room += roomOf(g_utf8_get_char(at));
-        at = g_utf8_next_char(at);
+    int wordLength = 0;
+    const char *at = whole.get();
+    for (; *at; at = g_utf8_next_char(at)) {
+        const gunichar character = g_utf8_get_char(at);
+        room += roomOf(character);
+        if (room > readableTextRoom)
+            break;
+        g_string_append_unichar(shown, character);
+        wordLength = g_unichar_isspace(character) ? 0 : wordLength + 1;
+        if (wordLength > 0 && wordLength % unbrokenCharacters == 0)
+            g_string_append(shown, invisibleBreak);
     }
     *wasCut = *at != '\0';
-    if (!*wasCut)
-        return shown;
-    *at = '\0';
-    return OwnedText(g_strconcat(shown.get(), "…", nullptr));
+    if (*wasCut)
+        g_string_append(shown, "…");
+    return OwnedText(g_strdup(shown->str));
 }
 
 int measureLongestLine(const char *text)
@@ -119,12 +127,15 @@ int measureLongestLine(const char *text)
     return int(longest);
 }
 
-bool hasOverlongWord(const char *text)
+int measureLongestWord(const char *text)
 {
+    int longest = 0;
     int length = 0;
-    for (const char *at = text; *at && length <= overlongWordCharacters; at = g_utf8_next_char(at))
+    for (const char *at = text; *at; at = g_utf8_next_char(at)) {
         length = g_unichar_isspace(g_utf8_get_char(at)) ? 0 : length + 1;
-    return length > overlongWordCharacters;
+        longest = MAX(longest, length);
+    }
+    return longest;
 }
 
 OwnedText plainMarkup(const char *text)
@@ -135,7 +146,7 @@ OwnedText plainMarkup(const char *text)
     g_autofree char *words = nullptr;
     if (!markup || !pango_parse_markup(markup.get(), -1, '_', nullptr, &words, nullptr, nullptr))
         return nullptr;
-    return hasVisibleText(words) ? std::move(markup) : nullptr;
+    return hasVisibleText(words) && measureLongestWord(words) <= unbrokenCharacters ? std::move(markup) : nullptr;
 }
 
 OwnedText listOfferedFiles(const char *line)

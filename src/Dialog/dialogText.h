@@ -6,7 +6,7 @@
 /// Room from which a text is put into a scrolled area, about 24 lines of a narrow dialog.
 inline constexpr int scrolledTextRoom = 1200;
 /// Room that a question may take at most; the rest is cut.
-inline constexpr int readableTextRoom = 30000;
+inline constexpr int readableTextRoom = 20000;
 
 /// How much room a text takes: one for each character, a line's worth for each line break; never more than one past
 /// `readableTextRoom`, however long the text is.
@@ -19,17 +19,20 @@ OwnedText decodeQuestion(const char *base64);
 /// True when there is something to read in a text: not only blanks, controls and characters without width.
 bool hasVisibleText(const char *text);
 
-/// A text that can be read whole, or its beginning and an ellipsis. @param wasCut set, never null.
+/// A text that can be read whole, or its beginning and an ellipsis. Very long words get invisible places to break,
+/// which also keeps their layout from taking seconds. @param wasCut set, never null.
 OwnedText cutToReadable(const char *text, bool *wasCut);
 
 /// Characters of the longest line of a text.
 int measureLongestLine(const char *text);
 
-/// True when a text has a word that is longer than a line.
-bool hasOverlongWord(const char *text);
+/// Characters of the longest word of a text.
+int measureLongestWord(const char *text);
+/// A word of more characters is longer than a line.
+inline constexpr int lineLongWord = 40;
 
 /// Markup with mnemonics as a label can show it: links are taken out, their words stay.
-/// @return null when the text isn't markup, takes too much room, or shows nothing to read
+/// @return null when the text isn't markup, takes too much room, has a very long word, or shows nothing to read
 OwnedText plainMarkup(const char *text);
 
 /// The offered files as a sentence: "File Name:  a, b.", or "." without a file.

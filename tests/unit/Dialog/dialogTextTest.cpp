@@ -1,0 +1,150 @@
+// The words of the questions, from whatever bytes the agent sends.
+
+#include "src/Dialog/dialogText.h"
+#include "src/Dialog/questionTable.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace
+{
+
+std::string decoded(const char *base64)
+{
+    return decodeQuestion(base64).get();
+}
+
+std::string markup(const char *text)
+{
+    const OwnedText result = plainMarkup(text);
+    return result ? result.get() : "(plain)";
+}
+
+std::string offered(const char *line)
+{
+    return listOfferedFiles(line).get();
+}
+
+} // namespace
+
+TEST(QuestionText, IsWhatTheTechnicianEncoded)
+{
+    EXPECT_EQ(decoded("TWF5IEk/"), "May I?");
+    EXPECT_EQ(decoded("R3LDvMOfZQ=="), "Grüße");
+    EXPECT_EQ(decoded(""), "");
+    EXPECT_EQ(decoded(nullptr), "");
+}
+
+TEST(QuestionText, IsShowableWhateverTheBytes)
+{
+    EXPECT_EQ(decoded("YQBi"), "a") << "ends at a NUL byte";
+    EXPECT_EQ(decoded("Yf9i"), "a\xEF\xBF\xBD"
+                               "b")
+        << "invalid bytes are replaced";
+    EXPECT_TRUE(g_utf8_validate(decoded("!!!%%%===").c_str(), -1, nullptr));
+}
+
+TEST(QuestionText, BlanksAndInvisibleCharactersAreNothingToRead)
+{
+    EXPECT_TRUE(hasVisibleText("  x "));
+    EXPECT_TRUE(hasVisibleText("許"));
+    for (const char *const text : {"", "   \n\t", "\xE2\x80\x8B", "\xC2\xA0", "\xE2\x80\xAE\xEF\xBB\xBF"})
+        EXPECT_FALSE(hasVisibleText(text)) << text;
+}
+
+TEST(JoinMarkup, KeepsItsStyleAndMnemonics)
+{
+    EXPECT_EQ(markup("<b>Join</b> _us &amp; go"), "<b>Join</b> _us &amp; go");
+    EXPECT_EQ(markup("<span foreground=\"red\" size='large'>x</span>"),
+              "<span foreground=\"red\" size=\"large\">x</span>");
+}
+
+TEST(JoinMarkup, LinksLoseTheirTargetsAndKeepTheirWords)
+{
+    EXPECT_EQ(markup("see <a href=\"file:///etc/passwd\" title=\"x\">the <i>terms</i></a>."), "see the <i>terms</i>.");
+}
+
+TEST(JoinMarkup, WhatDoesNotParseIsPlain)
+{
+    for (const char *const text : {"<b>x & y", "a < b", "</markup><b>x</b>", "<nonsense>x</nonsense>", "&unknown;",
+                                   "<span nonsense='1'>x</span>", "<b></b>", "<span>  </span>"})
+        EXPECT_EQ(markup(text), "(plain)") << text;
+}
+
+TEST(LongText, IsCutWhereNobodyReadsOn)
+{
+    bool wasCut = true;
+    EXPECT_STREQ(cutToReadable("short", &wasCut).get(), "short");
+    EXPECT_FALSE(wasCut);
+    const std::string million(1000000, 'x');
+    const OwnedText shown = cutToReadable(million.c_str(), &wasCut);
+    EXPECT_TRUE(wasCut);
+    EXPECT_LT(g_utf8_strlen(shown.get(), -1), readableTextRoom + readableTextRoom / 50);
+    EXPECT_TRUE(g_str_has_suffix(shown.get(), "x\u200B…"));
+    const std::string lines(100000, '\n');
+    EXPECT_LT(strlen(cutToReadable(lines.c_str(), &wasCut).get()), 1000U) << "a line break takes a line's room";
+    EXPECT_TRUE(wasCut);
+}
+
+TEST(LongText, WordsOfUsualLengthStayAsTheyAre)
+{
+    bool wasCut = true;
+    const std::string word(99, 'x');
+    EXPECT_EQ(cutToReadable(word.c_str(), &wasCut).get(), word);
+    EXPECT_EQ(markup(("<b>" + std::string(101, 'x') + "</b>").c_str()), "(plain)");
+}
+
+TEST(LongText, IsMeasuredInRoom)
+{
+    EXPECT_EQ(measureTextRoom(""), 0);
+    EXPECT_EQ(measureTextRoom("äöü"), 3);
+    EXPECT_GT(measureTextRoom("a\nb"), 40);
+    EXPECT_EQ(measureTextRoom(std::string(1000000, 'x').c_str()), readableTextRoom + 1);
+    EXPECT_EQ(measureLongestLine("ab\ncdef\ng"), 4);
+    EXPECT_EQ(measureLongestWord("many short wörds\nin a text"), 5);
+}
+
+TEST(Offer, NamesEveryFile)
+{
+    EXPECT_EQ(offered("dialogPrompt fileTransferReceive a%20b.txt c.txt"), "File Name:  a b.txt, c.txt.");
+    EXPECT_EQ(offered("dialogPrompt fileTransferReceive one"), "File Name:  one.");
+    EXPECT_EQ(offered("dialogPrompt fileTransferReceive"), ".");
+    EXPECT_EQ(offered(nullptr), ".");
+}
+
+TEST(Offer, ShowsWhatCannotBeDecodedAsItStands)
+{
+    EXPECT_EQ(offered("dialogPrompt fileTransferReceive a%zz %00"), "File Name:  a%zz, %00.");
+    EXPECT_EQ(offered("dialogPrompt fileTransferReceive %FFx"), "File Name:  \xEF\xBF\xBDx.");
+    EXPECT_EQ(offered("dialogPrompt fileTransferReceive %25n%s"), "File Name:  %25n%s.");
+}
+
+TEST(Path, IsOneFieldOfALine)
+{
+    EXPECT_STREQ(escapePath("/home/ann/a b.txt").get(), "%2Fhome%2Fann%2Fa%20b.txt");
+    EXPECT_STREQ(escapePath("ü%日").get(), "ü%25日");
+    EXPECT_STREQ(escapePath("\xFF").get(), "%FF");
+}
+
+TEST(QuestionTable, EveryQuestionHasItsRow)
+{
+    for (const QuestionId id :
+         {QuestionId::joinSession, QuestionId::featureConsent, QuestionId::leaveSession, QuestionId::rootAccess,
+          QuestionId::adminModeUnsupported, QuestionId::runScript, QuestionId::unattendedAccess, QuestionId::lockScreen,
+          QuestionId::participantControl, QuestionId::reboot})
+        EXPECT_EQ(findQuestion(id).id, id);
+}
+
+TEST(QuestionTable, NoRefusalIsWrittenAsAnApproval)
+{
+    for (const QuestionId id : {QuestionId::joinSession, QuestionId::featureConsent, QuestionId::leaveSession,
+                                QuestionId::rootAccess, QuestionId::runScript, QuestionId::unattendedAccess,
+                                QuestionId::lockScreen, QuestionId::participantControl, QuestionId::reboot}) {
+        const Question &question = findQuestion(id);
+        ASSERT_TRUE(question.accepted.text);
+        EXPECT_STRNE(question.accepted.text, question.refused.text);
+        EXPECT_NE(question.acceptResponse, GTK_RESPONSE_REJECT);
+        EXPECT_NE(question.acceptResponse, GTK_RESPONSE_DELETE_EVENT);
+    }
+}
