@@ -1,0 +1,178 @@
+// Who sits at the machine, asked of a login manager that answers as a test says, on a bus of its own.
+
+#include "src/Dialog/activeuser.h"
+#include "tests/support/testSession.h"
+
+#include <gmock/gmock.h>
+
+#include <gio/gio.h>
+
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace
+{
+
+constexpr char sessionPath[] = "/org/freedesktop/login1/session/c1";
+constexpr char failing[] = "";
+
+/// Values of the properties by name, in GVariant text format; `failing` answers with an error.
+using Properties = std::map<std::string, std::string>;
+
+const Properties annUnderWayland = {
+    {"ActiveSession", "('c1', objectpath '/org/freedesktop/login1/session/c1')"},
+    {"Active", "true"},
+    {"Type", "'wayland'"},
+    {"Name", "'ann'"},
+};
+
+/// Answers property reads on a private bus.
+class LoginManager
+{
+public:
+    explicit LoginManager(Properties properties) : m_properties(std::move(properties))
+    {
+        m_bus = g_test_dbus_new(G_TEST_DBUS_NONE);
+        g_test_dbus_up(m_bus);
+        const char *const address = g_test_dbus_get_bus_address(m_bus);
+        g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address, TRUE);
+        m_connection =
+            g_dbus_connection_new_for_address_sync(address,
+                                                   GDBusConnectionFlags(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+                                                   nullptr, nullptr, nullptr);
+        g_dbus_connection_add_filter(m_connection, answer, this, nullptr);
+        g_autoptr(GVariant) owned = g_dbus_connection_call_sync(
+            m_connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+            g_variant_new("(su)", "org.freedesktop.login1", 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+        EXPECT_TRUE(owned);
+    }
+    ~LoginManager()
+    {
+        g_dbus_connection_close_sync(m_connection, nullptr, nullptr);
+        g_object_unref(m_connection);
+        g_test_dbus_down(m_bus);
+        g_object_unref(m_bus);
+    }
+    LoginManager(const LoginManager &) = delete;
+    LoginManager &operator=(const LoginManager &) = delete;
+
+private:
+    /// Runs on the bus library's own thread.
+    static GDBusMessage *answer(GDBusConnection *connection, GDBusMessage *message, gboolean isIncoming, gpointer self)
+    {
+        if (!isIncoming || g_strcmp0(g_dbus_message_get_member(message), "Get") != 0)
+            return message;
+        const char *interfaceName = nullptr;
+        const char *property = nullptr;
+        g_variant_get(g_dbus_message_get_body(message), "(&s&s)", &interfaceName, &property);
+        const std::string value = static_cast<LoginManager *>(self)->m_properties.at(property);
+        g_autoptr(GDBusMessage) reply =
+            value == failing
+                ? g_dbus_message_new_method_error_literal(message, "org.freedesktop.DBus.Error.Failed", "no")
+                : g_dbus_message_new_method_reply(message);
+        if (value != failing)
+            g_dbus_message_set_body(
+                reply, g_variant_new("(v)", g_variant_parse(nullptr, value.c_str(), nullptr, nullptr, nullptr)));
+        g_dbus_connection_send_message(connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+        g_object_unref(message);
+        return nullptr;
+    }
+
+    Properties m_properties;
+    GTestDBus *m_bus = nullptr;
+    GDBusConnection *m_connection = nullptr;
+};
+
+/// Ann's session with one property that differs.
+Properties with(const char *property, const char *value)
+{
+    Properties properties = annUnderWayland;
+    properties[property] = value;
+    return properties;
+}
+
+class ActiveUser : public TestSession
+{
+protected:
+    std::string ask(const Properties &properties)
+    {
+        const LoginManager manager(properties);
+        return ask();
+    }
+    std::string ask()
+    {
+        const std::unique_ptr<char, decltype(&free)> user(getActiveUser(), free);
+        return user ? user.get() : "(nobody)";
+    }
+    /// A log message starts with this text.
+    bool logBegins(const std::string &start) const
+    {
+        return ::testing::Value(logMessages(), ::testing::Contains(::testing::StartsWith(start)));
+    }
+};
+
+} // namespace
+
+TEST_F(ActiveUser, IsTheOwnerOfTheGraphicalSession)
+{
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ(ask(annUnderWayland), "ann");
+    EXPECT_EQ(ask(with("Type", "'x11'")), "ann");
+    const std::string printed = std::string("Active session: id=c1 path=") + sessionPath + "\nActiveState: active\n";
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), printed + printed);
+}
+
+TEST_F(ActiveUser, OfATextConsoleIsNobody)
+{
+    for (const char *const type : {"'tty'", "'Wayland'", "''", "7", failing})
+        EXPECT_EQ(ask(with("Type", type)), "(nobody)") << type;
+    EXPECT_TRUE(logHas("Active session is not graphical (TTY). Exiting."));
+    EXPECT_TRUE(logBegins("Get(Type) failed: (ignored) 0x"));
+}
+
+TEST_F(ActiveUser, OfASeatWithoutSessionIsNobody)
+{
+    for (const char *const session : {"('', objectpath '/')", "'text'", "('c1', 'no object path')"})
+        EXPECT_EQ(ask(with("ActiveSession", session)), "(nobody)") << session;
+    EXPECT_EQ(countLogMessages(logPath(), "No active session on seat0."), 3);
+}
+
+TEST_F(ActiveUser, OfAnInactiveSessionIsNobody)
+{
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ(ask(with("Active", "false")), "(nobody)");
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), ::testing::HasSubstr("ActiveState: inactive\n"));
+    EXPECT_EQ(ask(with("Active", "'yes'")), "(nobody)");
+}
+
+TEST_F(ActiveUser, WithoutANameIsNobody)
+{
+    for (const char *const name : {"''", "3"})
+        EXPECT_EQ(ask(with("Name", name)), "(nobody)");
+    EXPECT_EQ(countLogMessages(logPath(), "No username found in active session."), 2);
+}
+
+TEST_F(ActiveUser, IsNobodyWhenAPropertyCannotBeRead)
+{
+    for (const char *const property : {"ActiveSession", "Active", "Name"}) {
+        EXPECT_EQ(ask(with(property, failing)), "(nobody)");
+        EXPECT_TRUE(logBegins(std::string("Get(") + property + ") failed: 0x")) << property;
+    }
+}
+
+TEST_F(ActiveUser, IsNobodyWithoutABusOrALoginManager)
+{
+    g_setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", TRUE);
+    EXPECT_EQ(ask(), "(nobody)");
+    EXPECT_TRUE(logBegins("g_bus_get_sync failed: 0x"));
+    GTestDBus *const bus = g_test_dbus_new(G_TEST_DBUS_NONE);
+    g_test_dbus_up(bus);
+    g_setenv("DBUS_SYSTEM_BUS_ADDRESS", g_test_dbus_get_bus_address(bus), TRUE);
+    EXPECT_EQ(ask(), "(nobody)");
+    EXPECT_TRUE(logBegins("Get(ActiveSession) failed: 0x"));
+    g_test_dbus_down(bus);
+    g_object_unref(bus);
+}
