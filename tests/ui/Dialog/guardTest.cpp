@@ -37,6 +37,21 @@ std::vector<std::string> reachable(GtkWidget *dialog)
     return found;
 }
 
+/// Presses real keys, once the window manager has given the dialog the focus.
+void press(GtkWidget *dialog, const std::vector<std::string> &keys)
+{
+    ASSERT_TRUE(waitUntil([&] { return gtk_window_is_active(GTK_WINDOW(dialog)); }));
+    std::string command = "xdotool key --clearmodifiers";
+    for (const std::string &key : keys)
+        command += " " + key;
+    ASSERT_TRUE(g_spawn_command_line_async(command.c_str(), nullptr));
+}
+
+/// Every key that activates or moves to something somewhere in a toolkit's dialog.
+const std::vector<std::string> everyKey = {"Return", "KP_Enter", "space", "KP_Space",    "ISO_Enter",  "Tab",  "KP_Tab",
+                                           "Left",   "Right",    "Up",    "Down",        "shift+Tab",  "Home", "End",
+                                           "F10",    "alt+y",    "alt+a", "ctrl+Return", "alt+Return", "y",    "Menu"};
+
 constexpr guint answeringKeys[] = {GDK_KEY_Return, GDK_KEY_KP_Enter, GDK_KEY_space, GDK_KEY_Tab,
                                    GDK_KEY_Left,   GDK_KEY_Up,       GDK_KEY_Right, GDK_KEY_Down};
 
@@ -78,6 +93,30 @@ TEST_F(NormalSession, NoGuardedButtonTakesTheFocus)
             EXPECT_FALSE(gtk_window_activate_default(GTK_WINDOW(each->data)));
         }
     EXPECT_EQ(count, 4);
+}
+
+TEST_F(NormalSession, NoRealKeyAnswersAGuardedQuestionButEscapeRefusesIt)
+{
+    GtkWidget *dialog = nullptr;
+    prompt("runAsService");
+    ASSERT_TRUE(waitUntil([&] {
+        for (GtkWidget *window : findWindows("Brindle"))
+            dialog = GTK_IS_DIALOG(window) ? window : dialog;
+        return dialog != nullptr;
+    }));
+    std::vector<std::string> keys = everyKey;
+    keys.push_back("Escape");
+    press(dialog, keys);
+    EXPECT_TRUE(waitUntil([&] { return openKinds().empty(); }));
+    EXPECT_THAT(answers(), ::testing::ElementsAre("dialogResponse delete_dialog serviceDialog "));
+}
+
+TEST_F(OtherSession, RealReturnAnswersAGuardedQuestion)
+{
+    show_clipboardPermission_dialog(mainWindow, "text");
+    press(clipboardPermissionDialog, {"Return"});
+    EXPECT_TRUE(waitUntil([] { return !clipboardPermissionDialog; }));
+    EXPECT_EQ(answers().front(), "clipboard 1");
 }
 
 TEST_F(NormalSession, UnguardedQuestionsTakeTheKeyboard)
