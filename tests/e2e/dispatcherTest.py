@@ -122,6 +122,18 @@ class TheNotice(SessionCase):
         session.application.gone("label", notice)
         session.log.expect("Hiding info bar")
 
+    def test_about_the_connection_shows_where_a_notice_is_open(self):
+        session = self.start(speed=3).ready()
+        session.send("blockInput")
+        session.application.has_label("Press Esc key to enable input device")
+        session.send("connectionLost")
+        session.application.has_label("Connection down. Retrying...")
+        session.application.gone("label", "Connection down. Retrying...")
+        session.send("connectionLost")
+        session.log.expect("connection Lost", times=2)
+        session.settled()
+        self.assertIsNone(session.application.look("label", "Connection down. Retrying..."))
+
 
 class TheEnd(SessionCase):
     def test_comes_with_exit_in_any_case(self):
