@@ -114,11 +114,16 @@ void actNotSupported(const Inbound &inbound)
     run_on_main(showNotSupported, inbound.data.mainwindow);
 }
 
+gboolean showInputBlocked(MainWindow *mainwindow)
+{
+    setInfoBarText(mainwindow->infoBarStruct, "Press Esc key to enable input device"); // in every language
+    return BlockinputInfoBar(mainwindow->infoBarStruct);
+}
+
 void actBlockInput(const Inbound &inbound)
 {
     UI_INFO_AS("messageParser", "blockInput");
-    setInfoBarText(inbound.data.mainwindow->infoBarStruct, "Press Esc key to enable input device");
-    BlockinputInfoBar(inbound.data.mainwindow->infoBarStruct);
+    run_on_main(showInputBlocked, inbound.data.mainwindow);
 }
 
 void actUnblockInput(const Inbound &inbound)
