@@ -26,6 +26,19 @@ gboolean destroyMainWindow(MainWindow *mainwindow)
     return G_SOURCE_REMOVE;
 }
 
+gboolean showRejected(MainWindow *mainwindow)
+{
+    startInfoBar(mainwindow->infoBarStruct, getString("Technician has rejected screen sharing request."));
+    return G_SOURCE_REMOVE;
+}
+
+gboolean showTooManyUsers(MainWindow *mainwindow)
+{
+    startInfoBar(mainwindow->infoBarStruct,
+                 getString("Swap screen cannot be initiated as there is more than one technician"));
+    return G_SOURCE_REMOVE;
+}
+
 void handleApproved(MainWindow *mainwindow)
 {
     UI_INFO_AS(handlerName, " Swap Screen has been approved");
@@ -37,14 +50,13 @@ void handleRejected(MainWindow *mainwindow)
 {
     UI_INFO_AS(handlerName, " Swap Screen has been Rejected");
     run_on_main(endWaiting, mainwindow);
-    startInfoBar(mainwindow->infoBarStruct, getString("Technician has rejected screen sharing request."));
+    run_on_main(showRejected, mainwindow);
 }
 
 void handleTooManyUsers(MainWindow *mainwindow)
 {
     UI_INFO_AS(handlerName, "swap screen not support in demo");
-    startInfoBar(mainwindow->infoBarStruct,
-                 getString("Swap screen cannot be initiated as there is more than one technician"));
+    run_on_main(showTooManyUsers, mainwindow);
 }
 
 struct Outcome {
