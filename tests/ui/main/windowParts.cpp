@@ -4,12 +4,47 @@
 
 #include "tests/support/widgetSearch.h"
 
+#include <cstring>
+#include <filesystem>
+#include <memory>
+
 namespace
 {
 
 std::string orEmpty(const char *text)
 {
     return text ? text : "";
+}
+
+struct FreeSurface {
+    void operator()(cairo_surface_t *surface) const { cairo_surface_destroy(surface); }
+};
+using Surface = std::unique_ptr<cairo_surface_t, FreeSurface>;
+
+Surface newSurface(const GdkPixbuf *picture)
+{
+    return Surface(gdk_cairo_surface_create_from_pixbuf(picture, 1, nullptr));
+}
+
+/// What an image shows, however it came there; null for an icon or nothing.
+Surface surfaceOf(GtkWidget *image)
+{
+    if (!GTK_IS_IMAGE(image))
+        return nullptr;
+    if (const GdkPixbuf *const picture = gtk_image_get_pixbuf(GTK_IMAGE(image)))
+        return newSurface(picture);
+    cairo_surface_t *surface = nullptr;
+    g_object_get(image, "surface", &surface, nullptr);
+    return Surface(surface);
+}
+
+bool looksTheSame(cairo_surface_t *one, cairo_surface_t *other)
+{
+    const int stride = cairo_image_surface_get_stride(one), height = cairo_image_surface_get_height(one);
+    return cairo_image_surface_get_width(one) == cairo_image_surface_get_width(other) &&
+           stride == cairo_image_surface_get_stride(other) && height == cairo_image_surface_get_height(other) &&
+           memcmp(cairo_image_surface_get_data(one), cairo_image_surface_get_data(other), size_t(stride) * size_t(height)) ==
+               0;
 }
 
 } // namespace
@@ -25,11 +60,15 @@ std::vector<GtkWidget *> childrenOf(GtkWidget *container)
 
 std::string shownFile(GtkWidget *image)
 {
-    g_autofree char *path = nullptr;
-    if (GTK_IS_IMAGE(image))
-        g_object_get(image, "file", &path, nullptr);
-    g_autofree char *name = path ? g_path_get_basename(path) : nullptr;
-    return orEmpty(name);
+    const Surface shown = surfaceOf(image);
+    if (!shown)
+        return "";
+    for (const auto &entry : std::filesystem::directory_iterator(RESOURCE_FOLDER)) {
+        g_autoptr(GdkPixbuf) picture = gdk_pixbuf_new_from_file(entry.path().c_str(), nullptr);
+        if (picture && looksTheSame(shown.get(), newSurface(picture).get()))
+            return entry.path().filename();
+    }
+    return "";
 }
 
 std::string shownFileOn(GtkWidget *button)

@@ -8,7 +8,7 @@
 
 /// Children of a container in the order in which they were added.
 std::vector<GtkWidget *> childrenOf(GtkWidget *container);
-/// Name of the file that an image shows, without its folder; empty for an image from elsewhere.
+/// Name of the resource file whose picture an image shows; empty for a picture from elsewhere.
 std::string shownFile(GtkWidget *image);
 /// As `shownFile`, for the image on a button.
 std::string shownFileOn(GtkWidget *button);
