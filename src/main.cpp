@@ -17,6 +17,8 @@
 
 #include <X11/Xlib.h>
 
+#include <malloc.h>
+
 #include <csignal>
 
 namespace
@@ -24,6 +26,7 @@ namespace
 
 constexpr char desktopEntryName[] = "Brindle";
 constexpr gulong startDelayUs = 4UL * G_USEC_PER_SEC;
+constexpr int bigBlockBytes = 128 * 1024; // the allocator's own first threshold
 constexpr gulong shutDownPauseUs = 100000;
 constexpr int fromRightPx = 200;
 constexpr int fromBottomPx = 50;
@@ -59,6 +62,8 @@ void prepareProcess()
     // A child or an agent that goes away early costs one logged message; a child's end is always reported.
     signal(SIGPIPE, SIG_IGN);
     signal(SIGCHLD, SIG_DFL);
+    // Big texts come and go; without a fixed threshold the allocator keeps the room of the largest.
+    mallopt(M_MMAP_THRESHOLD, bigBlockBytes);
     holdBackSigterm();
     adopt_main_thread();
 }

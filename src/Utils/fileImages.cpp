@@ -1,5 +1,5 @@
 // Images from files. A screen with scale factor 2 gets twice the pixels, so that icons stay crisp; a file that can't be
-// read never stops anything.
+// read never stops anything. Decoded pictures are kept, since the start/stop button asks for its two at every click.
 
 #include "src/Utils/panels.h"
 
@@ -11,6 +11,25 @@ namespace
 {
 
 constexpr char shownFileKey[] = "shown-file";
+
+// Path to picture, both owned; made at the first use and kept to the end of the process. Main thread.
+GHashTable *pictures = nullptr;
+
+/// The picture in a file, decoded once; borrowed, null for a file that can't be read.
+GdkPixbuf *readPicture(const char *path)
+{
+    if (!path)
+        return nullptr;
+    if (!pictures)
+        pictures = g_hash_table_new_full(g_str_hash, g_str_equal, g_free, g_object_unref);
+    auto *picture = static_cast<GdkPixbuf *>(g_hash_table_lookup(pictures, path));
+    if (picture)
+        return picture;
+    picture = gdk_pixbuf_new_from_file(path, nullptr);
+    if (picture)
+        g_hash_table_insert(pictures, g_strdup(path), picture);
+    return picture;
+}
 
 int screenScale()
 {
@@ -45,17 +64,26 @@ OwnedText doubleSizePath(const char *path)
     return OwnedText(g_strdup_printf("%.*s@2x%s", int(dot - path), path, dot));
 }
 
-/// Shows the double size of a still picture; false where there is none.
+/// Shows the double size of a picture; false where there is none.
 bool setDoubleSize(GtkWidget *image, const char *path)
 {
     const OwnedText doublePath = path && screenScale() == 2 ? doubleSizePath(path) : nullptr;
-    g_autoptr(GdkPixbuf) pixbuf = doublePath ? gdk_pixbuf_new_from_file(doublePath.get(), nullptr) : nullptr;
-    if (!pixbuf)
+    GdkPixbuf *const picture = readPicture(doublePath.get());
+    if (!picture)
         return false;
-    cairo_surface_t *const surface = gdk_cairo_surface_create_from_pixbuf(pixbuf, 2, nullptr);
+    cairo_surface_t *const surface = gdk_cairo_surface_create_from_pixbuf(picture, 2, nullptr);
     gtk_image_set_from_surface(GTK_IMAGE(image), surface);
     cairo_surface_destroy(surface);
     return true;
+}
+
+/// Shows a picture in its own size; a missing file shows as the toolkit's broken image.
+void setOwnSize(GtkWidget *image, const char *path)
+{
+    if (GdkPixbuf *const picture = readPicture(path))
+        gtk_image_set_from_pixbuf(GTK_IMAGE(image), picture);
+    else
+        gtk_image_set_from_file(GTK_IMAGE(image), path);
 }
 
 } // namespace
@@ -64,7 +92,7 @@ GtkWidget *resizeImages(const char *path, int sizePx, int marginPx)
 {
     UI_ENTER();
     const int scale = screenScale();
-    g_autoptr(GdkPixbuf) file = path ? gdk_pixbuf_new_from_file(path, nullptr) : nullptr;
+    GdkPixbuf *const file = readPicture(path);
     g_autoptr(GdkPixbuf) scaled =
         file ? gdk_pixbuf_scale_simple(file, sizePx * scale, sizePx * scale, GDK_INTERP_BILINEAR) : nullptr;
     GtkWidget *const image = scaled ? newPixbufImage(scaled, scale) : newEmptyImage(sizePx);
@@ -85,6 +113,6 @@ void setImageFromFile(GtkWidget *image, const char *path)
     if (path && g_strcmp0(static_cast<const char *>(g_object_get_data(G_OBJECT(image), shownFileKey)), path) == 0)
         return;
     if (!setDoubleSize(image, path))
-        gtk_image_set_from_file(GTK_IMAGE(image), path);
+        setOwnSize(image, path);
     g_object_set_data_full(G_OBJECT(image), shownFileKey, g_strdup(path), g_free);
 }
