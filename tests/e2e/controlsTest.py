@@ -2,7 +2,6 @@
 
 import os
 import select
-import signal
 import time
 
 from screen import Pixels, click, grab_focus, key, sensitive, xdotool
@@ -162,12 +161,6 @@ class AnAgentThatReadsBadly(SessionCase):
         self.addCleanup(os.close, descriptor)
         self.assertEqual(self.read_to_end(descriptor), b"buttonClicked stop\n")
         self.assertTrue(session.alive())
-
-    def test_and_goes_away_never_kills_the_program_by_a_signal(self):
-        session = self.start().ready()
-        with open(f"/proc/{session.pid}/status", encoding="ascii") as file:
-            ignored = next(int(line.split()[1], 16) for line in file if line.startswith("SigIgn"))
-        self.assertTrue(ignored & (1 << (signal.SIGPIPE - 1)))
 
     @staticmethod
     def read_to_end(descriptor):

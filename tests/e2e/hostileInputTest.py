@@ -79,7 +79,7 @@ class TheSession(SessionCase):
 
     def test_takes_texts_without_words(self):
         pipe = self.session.home.pipes / "Status"
-        for text in (b"", b"\n", b" ", b"\0", b"\n\n\n", b"\r\n", b"\t \n"):
+        for text in (b"", b"\n", b" ", b"\0\n", b"\n\n\n", b"\r\n", b"\t \n"):
             send_text(pipe, text)
         os.close(os.open(pipe, os.O_WRONLY))
         self.session.settled()
@@ -89,7 +89,7 @@ class TheSession(SessionCase):
         chance = random.Random(20240307)  # the same in every run
         for _ in range(300):
             line = chance.randbytes(chance.randrange(400)).replace(b"exit", b"EXI_")
-            self.session.send_raw(chance.choice((b"", b"sessionStatus ", b"dialogPrompt ", b"initSwap ")) + line)
+            self.session.send(chance.choice((b"", b"sessionStatus ", b"dialogPrompt ", b"initSwap ")) + line + b"\n")
         self.session.settled()
         self.answers_as_before()
 
