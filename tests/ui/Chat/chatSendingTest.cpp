@@ -101,7 +101,10 @@ struct FolderAnswer {
     std::string folder;
     int response;
     int seen = 0;
+    int settled = 0; ///< looks in a row at which the folder was the picked one
 };
+
+constexpr int settledLooks = 5; // the chooser goes on loading after its pick was set
 
 gboolean answerFolderQuestion(gpointer data)
 {
@@ -112,9 +115,13 @@ gboolean answerFolderQuestion(gpointer data)
     answer->seen++;
     g_autofree char *current = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
     if (!answer->folder.empty() && g_strcmp0(current, answer->folder.c_str()) != 0) {
-        gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(dialog), answer->folder.c_str());
+        if (answer->settled == 0)
+            gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(dialog), answer->folder.c_str());
+        answer->settled = 0;
         return G_SOURCE_CONTINUE;
     }
+    if (++answer->settled < settledLooks)
+        return G_SOURCE_CONTINUE;
     gtk_dialog_response(GTK_DIALOG(dialog), answer->response);
     return G_SOURCE_REMOVE;
 }
