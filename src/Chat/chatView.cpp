@@ -5,6 +5,7 @@
 
 #include "Logger/logger.h"
 #include "src/Chat/chatFlow.h"
+#include "src/localizationText.h"
 #include "src/support.h"
 
 namespace
@@ -97,6 +98,7 @@ GtkWidget *newConversation(ChatWindow *chatwindow)
     chatwindow->chatview = view;
     connect_signal(view, "destroy", on_conversation_destroyed, chatwindow);
     gtk_widget_set_name(view, "ChatRecive");
+    atk_object_set_name(gtk_widget_get_accessible(view), getString("Conversation"));
     gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(view), GTK_WRAP_WORD_CHAR);
     gtk_text_view_set_editable(GTK_TEXT_VIEW(view), false);
     gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(view), false);
@@ -118,6 +120,7 @@ GtkWidget *newInput()
     GtkWidget *const view = gtk_text_view_new();
     gtk_text_view_set_indent(GTK_TEXT_VIEW(view), inputIndentPx);
     gtk_widget_set_name(view, "ChatSend");
+    atk_object_set_name(gtk_widget_get_accessible(view), getString("Message"));
     gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(view), GTK_WRAP_WORD_CHAR);
     g_object_set(view, "margin", inputMarginPx, nullptr);
     blackenCaret(view);
