@@ -146,3 +146,26 @@ TEST(EndOfTheProgram, AskedForByAWorkerEndsTheLoop)
     EXPECT_TRUE(quit_requested());
     EXPECT_EQ(gtk_main_level(), 0u);
 }
+
+TEST(EndOfTheProgram, AskedForTwiceEndsOneLoopOnly)
+{
+    bool outerWentOn = false;
+    g_idle_add(
+        [](gpointer) -> gboolean {
+            request_quit();
+            request_quit();
+            gtk_main(); // the one that is ended
+            return G_SOURCE_REMOVE;
+        },
+        nullptr);
+    g_timeout_add(
+        100,
+        [](gpointer wentOn) -> gboolean {
+            *static_cast<bool *>(wentOn) = true;
+            gtk_main_quit();
+            return G_SOURCE_REMOVE;
+        },
+        &outerWentOn);
+    gtk_main();
+    EXPECT_TRUE(outerWentOn);
+}
