@@ -19,6 +19,13 @@ _TIMEOUT_MS = 5000
 Atspi.set_timeout(_TIMEOUT_MS, _TIMEOUT_MS)
 
 
+@functools.cache
+def the_display():
+    connection = display.Display()
+    connection.set_error_handler(lambda *_: None)  # windows come and go
+    return connection
+
+
 def grab_focus(accessible):
     """Moves the keyboard to a control, as assistive technology does."""
     if not accessible.get_component_iface().grab_focus():
@@ -116,18 +123,35 @@ class Application:
 
 
 def place_of(accessible):
-    """Middle of a control on the screen, once it has one."""
-    extents = until(lambda: _steady_extents(accessible), f"the place of {accessible.get_name()!r}")
-    return extents[0] + extents[2] // 2, extents[1] + extents[3] // 2
+    """Middle of a control on the screen, once the control and the X server agree about it."""
+    x, y, width, height = until(lambda: _steady_extents(accessible), f"the place of {accessible.get_name()!r}")
+    return x + width // 2, y + height // 2
 
 
 def _steady_extents(accessible):
-    first = accessible.get_extents(Atspi.CoordType.SCREEN)
-    again = accessible.get_extents(Atspi.CoordType.SCREEN)
-    rectangle = (first.x, first.y, first.width, first.height)
-    if rectangle != (again.x, again.y, again.width, again.height) or first.width <= 0 or first.height <= 0:
+    """Extents on the screen, or None while the toolkit has not yet heard where its window went."""
+    on_screen = accessible.get_extents(Atspi.CoordType.SCREEN)
+    in_window = accessible.get_extents(Atspi.CoordType.WINDOW)
+    if on_screen.width <= 0 or on_screen.x < 0 or on_screen.y < 0:
         return None
-    return rectangle if first.x >= 0 and first.y >= 0 else None
+    middle = on_screen.x + on_screen.width // 2, on_screen.y + on_screen.height // 2
+    if (on_screen.x - in_window.x, on_screen.y - in_window.y) not in _origins_at(*middle):
+        return None
+    return on_screen.x, on_screen.y, on_screen.width, on_screen.height
+
+
+def _origins_at(x, y):
+    """Where the windows begin that lie one in the other under a point of the screen."""
+    root = the_display().screen().root
+    origins, window = [], root
+    while window:
+        try:
+            inside = window.translate_coords(root, x, y)
+            origins.append((x - inside.x, y - inside.y))
+            window = inside.child or None
+        except error.XError:
+            break
+    return origins
 
 
 def click(accessible, button=1):
@@ -143,13 +167,6 @@ def key(*names):
 def picture(path):
     """A picture of the whole screen, for whoever looks into a failure."""
     subprocess.run(["import", "-window", "root", str(path)], check=False, timeout=30)
-
-
-@functools.cache
-def the_display():
-    connection = display.Display()
-    connection.set_error_handler(lambda *_: None)  # windows come and go
-    return connection
 
 
 class Windows:
@@ -188,6 +205,9 @@ class Windows:
 
     def wait_focus(self, title):
         until(lambda: self._focused_or_none() == title, lambda: f"focus on {title!r}, is {self._focused_or_none()!r}")
+
+    def wait_any_focus(self):
+        until(self._focused_or_none, "a window that has the keyboard")
 
     def close(self, window):
         """What a click on the frame's close box makes the window manager send."""

@@ -171,7 +171,10 @@ class Session:
 
     @property
     def application(self):
-        self._application = self._application or Application(self.pid)
+        if not self._application:
+            self._application = Application(self.pid)
+            if not os.environ.get("NOWM"):
+                self.windows.wait_any_focus()  # the manager is done with placing the window
         return self._application
 
     def send(self, text, seconds=15):

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <sstream>
 #include <stdexcept>
 
@@ -35,7 +36,13 @@ PipeReader::PipeReader(const std::string &path) : m_path(path)
     const int first = openReadEnd(path);
     if (first < 0)
         throw std::runtime_error("can't read " + path);
+    // Signals that a test sends to its process go to the test's own threads.
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
     m_thread = std::thread(&PipeReader::readOn, this, first);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 PipeReader::~PipeReader()
