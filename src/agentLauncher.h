@@ -12,6 +12,8 @@ gpointer AgentStarter(gpointer mainwindow);
 /// The parent as it is when the program starts, and SIGTERM kept back until `handle_on_Parent_kill` can serve it.
 /// Thread: main, first of all, before any other thread exists.
 void holdBackSigterm();
+/// True when SIGTERM has come while it is held back. Thread: main.
+bool isSigtermPending();
 /// Lets SIGTERM end the process at once again, for sessions that don't end with their parent. Thread: main.
 void releaseSigterm();
 

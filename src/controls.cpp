@@ -38,7 +38,10 @@ void putSharingImage(MainWindow *mainwindow)
     const bool isPaused = mainwindow->StartButtonState == paused;
     gtk_button_set_image(GTK_BUTTON(button),
                          isPaused ? mainwindow->startSharingImage : mainwindow->stopSharingImage);
-    atk_object_set_name(gtk_widget_get_accessible(button), sharingAction(mainwindow->StartButtonState));
+    // The description, too: it would be taken from the tooltip, which only a click changes.
+    AtkObject *const accessible = gtk_widget_get_accessible(button);
+    atk_object_set_name(accessible, sharingAction(mainwindow->StartButtonState));
+    atk_object_set_description(accessible, sharingAction(mainwindow->StartButtonState));
 }
 
 void beginSession(MainWindow *mainwindow)
@@ -53,6 +56,7 @@ void beginSession(MainWindow *mainwindow)
 void showSharingChange(MainWindow *mainwindow)
 {
     GtkWidget *const button = mainwindow->startStopSharingButton;
+    mainwindow->sharingButtonHadFocus = gtk_widget_has_focus(button);
     gtk_widget_set_sensitive(button, FALSE);
     gtk_widget_set_tooltip_text(button, sharingAction(mainwindow->StartButtonState));
     putSharingImage(mainwindow);
@@ -110,7 +114,7 @@ void showStatusText(MainWindow *mainwindow, const char *withoutName)
         const MutexLock lock(&mainwindow->mutex);
         name.reset(g_strdup(mainwindow->Techname));
     }
-    const OwnedText shown = displayable_text(name ? name.get() : withoutName);
+    const OwnedText shown = displayable_name(name ? name.get() : withoutName);
     // A label lays out again whatever it is given, which takes its time for an endless name.
     if (g_strcmp0(gtk_label_get_text(GTK_LABEL(mainwindow->statusLabel)), shown.get()) != 0)
         gtk_label_set_text(GTK_LABEL(mainwindow->statusLabel), shown.get());

@@ -98,7 +98,7 @@ OwnedJson parseBase64Json(const char *text)
 {
     gsize length = 0;
     g_autofree guchar *decoded = g_base64_decode(text, &length);
-    UI_INFO("decoded Text");
+    UI_INFO_AS("loadResource", "decoded Text");
     return OwnedJson(cJSON_ParseWithLength(reinterpret_cast<const char *>(decoded), length));
 }
 

@@ -26,6 +26,7 @@ namespace
 
 constexpr char desktopEntryName[] = "Brindle";
 constexpr gulong startDelayUs = 4UL * G_USEC_PER_SEC;
+constexpr gulong startDelayStepUs = startDelayUs / 40;
 constexpr int bigBlockBytes = 128 * 1024; // the allocator's own first threshold
 constexpr gulong shutDownPauseUs = 100000;
 constexpr int fromRightPx = 200;
@@ -175,6 +176,7 @@ void connectControls(GtkWidget *settingsMenu)
     connect_signal(window->fileTransfer->button, "clicked", expandFileTransfer, window);
     connect_signal(window->startStopSharingButton, "clicked", on_start_clicked, window);
     connect_signal(window->settingsButton, "clicked", showPopup, settingsMenu);
+    gtk_menu_attach_to_widget(GTK_MENU(settingsMenu), window->settingsButton, nullptr);
     connect_signal(window->window, "delete-event", on_window_main_delete, window);
     connect_signal(window->chatExpander->rightButton, "clicked", SaveChatTranscript, session.chatWindow);
 }
@@ -214,13 +216,20 @@ void beginStartedSession()
     session.watcher = g_thread_new("Brindle-UI-checker", uiChecker, window);
 }
 
+/// The fixed delay, cut short when the session is to end before it has begun.
+void waitStartDelay()
+{
+    for (gulong waitedUs = 0; waitedUs < startDelayUs && !isSigtermPending(); waitedUs += startDelayStepUs)
+        g_usleep(startDelayStepUs);
+}
+
 /// The window with everything that belongs to it.
 void openWindow()
 {
     g_autofree char *cssPath = nullptr;
     g_autofree char *localeDirectory = nullptr;
     setResourcePath(&cssPath, &localeDirectory, session.mainWindow);
-    g_usleep(startDelayUs);
+    waitStartDelay();
     loadTexts(localeDirectory);
     buildWindow();
     loadStyle(cssPath);

@@ -40,26 +40,26 @@ struct InfoBar {
     GtkWidget *infoBarLabel; ///< main
     GtkWidget *infoBar;      ///< main
     GtkWidget *mainWindow;   ///< window that is resized when the bar goes; main
-    GSList *hideTimers;      ///< ids of the timers that are to hide the bar, oldest first; main
+    GQueue hideTimers;       ///< ids of the timers that are to hide the bar, oldest first; main; zero is empty
 };
 
 /// The annotation panel and the program that draws on the screen.
 struct Annotation {
-    GtkWidget *button;      ///< toolbar button
-    GtkWidget *mainWindow;  ///< resized after a toggle
-    GtkWidget *expander;    ///< never set
-    GtkWidget *contentArea; ///< the panel
+    GtkWidget *button;            ///< toolbar button
+    GtkWidget *mainWindow;        ///< resized after a toggle
+    GtkWidget *expander;          ///< never set
+    GtkWidget *contentArea;       ///< the panel
     std::atomic<int> buttonState; ///< 2 collapsed, 1 expanded; main and the starter thread
-    char *logPath;          ///< log folder handed to the program; owned, constant after start-up
-    char *pipePath;         ///< pipe to the program; owned, constant after start-up
-    char *pipeOutPath;      ///< pipe from the program; owned, constant after start-up
-    char *AnnotationWindow; ///< path of the program; owned, constant after start-up
-    GMutex runMutex;        ///< keeps start and clean-up apart; zero-initialised is ready
-    std::atomic<guint> run; ///< number of the last start, from 1; written under `runMutex`
-    GThread *start;         ///< "AnnotationStarter" of the last start; under `runMutex`
-    GThread *PipeReader;    ///< "AnnotationReader" of the last start, null after the clean-up; under `runMutex`
+    char *logPath;                ///< log folder handed to the program; owned, constant after start-up
+    char *pipePath;               ///< pipe to the program; owned, constant after start-up
+    char *pipeOutPath;            ///< pipe from the program; owned, constant after start-up
+    char *AnnotationWindow;       ///< path of the program; owned, constant after start-up
+    GMutex runMutex;              ///< keeps start and clean-up apart; zero-initialised is ready
+    std::atomic<guint> run;       ///< number of the last start, from 1; written under `runMutex`
+    GThread *start;               ///< "AnnotationStarter" of the last start; under `runMutex`
+    GThread *PipeReader;          ///< "AnnotationReader" of the last start, null after the clean-up; under `runMutex`
     GtkWidget *brush, *rectangle, *circle, *highlighter, *line, *eraser, *eraseAll; ///< tool buttons
-    GtkWidget *colorButton; ///< never made
+    GtkWidget *colorButton;                                                         ///< never made
     char *brushPath, *rectangePath, *circlePath, *highlighterPath, *linePath, *eraserPath,
         *eraseAllPath; ///< icon files, owned
     GtkWidget *brushImage, *rectangeImage, *circleImage, *highlighterImage, *lineImage, *eraserImage,
@@ -88,14 +88,14 @@ struct ClickableRange {
 
 /// The chat panel's state.
 struct ChatWindow {
-    GtkWidget *chatview;  ///< conversation view; main
-    GtkWidget *expander;  ///< never set
-    GtkWidget *chat_area; ///< the panel, opened by the first message; main
-    GMutex mutex;         ///< guards the fields marked "locked"; zero-initialised is ready
-    char *message;        ///< last received text, owned, may be null; locked
-    char *charSender;     ///< author of the last block, owned; locked
-    GString *chatData;    ///< the conversation as plain text, owned, null until the first entry; locked
-    GQueue received;      ///< what came and is not rendered yet, `ReceivedMessage`s, owned; zeroed is ready; locked
+    GtkWidget *chatview;     ///< conversation view; main
+    GtkWidget *expander;     ///< never set
+    GtkWidget *chat_area;    ///< the panel, opened by the first message; main
+    GMutex mutex;            ///< guards the fields marked "locked"; zero-initialised is ready
+    char *message;           ///< last received text, owned, may be null; locked
+    char *charSender;        ///< author of the last block, owned; locked
+    GString *chatData;       ///< the conversation as plain text, owned, null until the first entry; locked
+    GQueue received;         ///< what came and is not rendered yet, `ReceivedMessage`s, owned; zeroed is ready; locked
     bool isUpdateScheduled;  ///< `UpdateChat` will run for what is in `received`; locked
     bool isButtonScheduled;  ///< the save button is about to be made usable; locked
     bool isSavingTranscript; ///< the question for the transcript's folder is open; main
@@ -104,12 +104,12 @@ struct ChatWindow {
     char *settingsJsonPath;  ///< owned, may be null; constant
     char *sessionKey;        ///< owned, may be null; locked (written by the parser, read when a transcript is saved)
     bool isdifferentsender;  ///< the last received message starts a new block; locked
-    bool isChatTranscriptEnabled; ///< never set
-    CustomExpander *chatExpander; ///< borrowed
-    Expander *chat;               ///< borrowed
-    struct tm previousTimeStamp;  ///< the customer's previous message; main
-    int AgentMessage;             ///< messages sent since the last received one; locked
-    InfoBar *infobar;             ///< borrowed
+    bool isChatTranscriptEnabled;   ///< never set
+    CustomExpander *chatExpander;   ///< borrowed
+    Expander *chat;                 ///< borrowed
+    struct tm previousTimeStamp;    ///< the customer's previous message; main
+    int AgentMessage;               ///< messages sent since the last received one; locked
+    InfoBar *infobar;               ///< borrowed
     ClickableRange *clickableRange; ///< owned
     char *ArSessionUrl;             ///< last invitation's address, owned; locked
     bool isARSessionInitiated;      ///< the AR window is open; main
@@ -142,21 +142,22 @@ struct MainWindow {
     char *Techname;      ///< technician's name, owned; parser writes it once under `mutex`, read under it
     char *logPath;       ///< owned; not used
     const char *demoSession, *urs, *rolechange, *email, *sysVersion, *homeDir,
-        *productName; ///< options, borrowed from `argv` or constants
-    int StartButtonState; ///< 0 before the first report, 1 sharing, 2 paused; main
-    int noParticipants;   ///< technicians present; main
+        *productName;                ///< options, borrowed from `argv` or constants
+    int StartButtonState;            ///< 0 before the first report, 1 sharing, 2 paused; main
+    bool sharingButtonHadFocus;      ///< when it was made insensitive; main
+    int noParticipants;              ///< technicians present; main
     std::atomic<bool> isConnected;   ///< a status or prompt line has come; parser
     std::atomic<bool> dialogChecker; ///< a control dialog is pending; parser and main
     std::atomic<bool> isClipBoardAllowed, isAnnotationAllowed, isSwapScreenAllowed, isChatAllowed,
         isFileTransferAllowed; ///< permissions of the session; parser
     bool allowClipboardAlways; ///< main
-    GMutex mutex;              ///< guards `active_dialogs`, the participants mailbox, and what the parser leaves for dialogs
-    GMutex PingUiMutex;        ///< guards `isAlive`
-    bool isAlive;              ///< set by "PING UI", cleared by each liveness check
-    GList *active_dialogs;     ///< kinds of open dialogs behind the entry "test"; under `mutex`
+    GMutex mutex;       ///< guards `active_dialogs`, the participants mailbox, and what the parser leaves for dialogs
+    GMutex PingUiMutex; ///< guards `isAlive`
+    bool isAlive;       ///< set by "PING UI", cleared by each liveness check
+    GList *active_dialogs; ///< kinds of open dialogs behind the entry "test"; under `mutex`
     CustomExpander *chatExpander, *participantsExpander, *fileTransferExpander, *annotationExpander;
-    char *settingsJsonPath; ///< owned, may be null; nothing reads the file
-    char *demo_tech_access; ///< participant who asks for control, owned; parser and main, under `mutex`
+    char *settingsJsonPath;           ///< owned, may be null; nothing reads the file
+    char *demo_tech_access;           ///< participant who asks for control, owned; parser and main, under `mutex`
     GtkWidget *onDemandScreenSharing; ///< never placed in the window; a reference is held
     GtkClipboard *clipboard;          ///< borrowed
     const char *productWindowTitle;   ///< constant

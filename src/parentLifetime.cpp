@@ -53,6 +53,12 @@ void holdBackSigterm()
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
 }
 
+bool isSigtermPending()
+{
+    sigset_t pending;
+    return sigpending(&pending) == 0 && sigismember(&pending, SIGTERM);
+}
+
 void releaseSigterm()
 {
     const sigset_t set = sigtermAlone();
@@ -64,10 +70,12 @@ int handle_on_Parent_kill()
     UI_ENTER();
     if (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0) {
         UI_INFO("error setting up parent porcess signal");
+        releaseSigterm();
         return 0;
     }
     if (!installHandler()) {
         UI_INFO("cant catch sigint");
+        releaseSigterm();
         return 0;
     }
     g_thread_unref(g_thread_new("Brindle-signals", waitForSigterm, nullptr));

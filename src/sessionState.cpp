@@ -49,6 +49,7 @@ OwnedText popText(GAsyncQueue *queue)
 
 void free_memory(MainWindow *mainWindow, ChatWindow *chatWindow)
 {
+    UI_ENTER();
     // No thread is joined, so the reader, a busy dispatcher, the chat thread and the annotation threads may still use
     // the records, the queues, the pipe paths and what both records share: those stay to the end of the process.
     // The image files are asked for by the main thread alone, which has left its loop.

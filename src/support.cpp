@@ -3,12 +3,20 @@
 
 #include "src/support.h"
 
+#include <limits.h>
+#include <poll.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <cstdio>
+#include <cstring>
 
 namespace
 {
+
+// Far more than any window shows, and quickly laid out.
+constexpr glong longestName = 10000;
 
 // Written by adopt_main_thread before any other thread runs.
 GThread *mainThread = nullptr;
@@ -66,6 +74,15 @@ void replace_widget(GtkWidget *&field, GtkWidget *widget)
 OwnedText displayable_text(const char *text)
 {
     return OwnedText(g_utf8_make_valid(text ? text : "", -1));
+}
+
+OwnedText displayable_name(const char *name)
+{
+    OwnedText shown = displayable_text(name);
+    if (g_utf8_strlen(shown.get(), -1) <= longestName)
+        return shown;
+    g_autofree char *beginning = g_utf8_substring(shown.get(), 0, longestName);
+    return OwnedText(g_strconcat(beginning, "\u2026", nullptr));
 }
 
 const char *piece_or_empty(char *const *pieces, guint index)
@@ -143,6 +160,17 @@ bool isWayland()
 {
     const char *const type = g_getenv("XDG_SESSION_TYPE");
     return type && g_ascii_strcasecmp(type, "wayland") == 0;
+}
+
+void print_output(const char *text)
+{
+    struct pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+    // A pipe that is ready takes this much at once.
+    const gsize length = MIN(strlen(text), gsize(PIPE_BUF));
+    if (poll(&output, 1, 0) != 1 || !(output.revents & POLLOUT))
+        return;
+    fflush(stdout); // what was printed before comes first
+    (void)!write(STDOUT_FILENO, text, length);
 }
 
 OwnedText unescape_text(const char *escaped)

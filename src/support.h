@@ -26,6 +26,10 @@ void replace_text(char *&field, const char *text);
 /// A copy that widgets can show: invalid UTF-8 repaired, null made empty. Thread: any.
 OwnedText displayable_text(const char *text);
 
+/// A copy of a name that a label can lay out in no time: as `displayable_text`, and cut where only a hostile name goes
+/// on. Thread: any.
+OwnedText displayable_name(const char *name);
+
 /// A piece of a split line, or the empty text when the line has fewer pieces; borrowed from `pieces`.
 const char *piece_or_empty(char *const *pieces, guint index);
 
@@ -121,6 +125,10 @@ int isDirectory(const char *path);
 
 /// True when the session runs under Wayland: XDG_SESSION_TYPE equals "wayland", ASCII case ignored. Thread: any.
 bool isWayland();
+
+/// Writes a text to standard output unless that would wait for somebody to read it: then the text is dropped.
+/// Thread: any.
+void print_output(const char *text);
 
 /// The path of a URI-escaped or plain text field, decoded; null when it can't be decoded. Thread: any.
 OwnedText unescape_text(const char *escaped);

@@ -4,10 +4,10 @@
 #include "src/Dialog/activeuser.h"
 
 #include "Logger/logger.h"
+#include "src/support.h"
 
 #include <gio/gio.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
@@ -147,8 +147,9 @@ Text findSession(const Bus &bus)
         p_g_variant_get(value.get(), "(so)", &id, &path);
     const Text ownedId(id);
     Text ownedPath(path);
-    printf("Active session: id=%s path=%s\n", id ? id : "(null)", path ? path : "(null)");
-    fflush(stdout);
+    g_autofree char *line =
+        g_strdup_printf("Active session: id=%s path=%s\n", id ? id : "(null)", path ? path : "(null)");
+    print_output(line);
     // A seat without a session says so with an empty id and the root as its path.
     if (path && *path && strcmp(path, "/") != 0)
         return ownedPath;
@@ -167,8 +168,7 @@ bool isActive(const Bus &bus, const char *path)
     gboolean active = FALSE;
     if (value)
         p_g_variant_get(value.get(), "b", &active);
-    printf("ActiveState: %s\n", active ? "active" : "inactive");
-    fflush(stdout);
+    print_output(active ? "ActiveState: active\n" : "ActiveState: inactive\n");
     return active;
 }
 

@@ -37,7 +37,7 @@ gboolean hideWidgets(InfoBar *infoBar)
 gboolean endNotice(InfoBar *infoBar)
 {
     // All timers have the same length, so the one that runs is the oldest.
-    infoBar->hideTimers = g_slist_delete_link(infoBar->hideTimers, infoBar->hideTimers);
+    g_queue_pop_head(&infoBar->hideTimers);
     return hideInfoBar(infoBar);
 }
 
@@ -60,6 +60,8 @@ int startInfoBar(InfoBar *infoBar, const char *text)
 gboolean PopUpInfoBar(InfoBar *infoBar)
 {
     UI_ENTER();
+    if (quit_requested())
+        return G_SOURCE_REMOVE; // thousands of notices must not hold up the end
     showText(infoBar);
     hideInfoBarLater(infoBar);
     return G_SOURCE_REMOVE;
@@ -84,14 +86,13 @@ void hideInfoBarLater(InfoBar *infoBar)
 {
     // Every notice brings its own timer and none is stopped: an early one may hide a later notice.
     const guint id = g_timeout_add(noticeMs, reinterpret_cast<GSourceFunc>(endNotice), infoBar);
-    infoBar->hideTimers = g_slist_append(infoBar->hideTimers, GUINT_TO_POINTER(id));
+    g_queue_push_tail(&infoBar->hideTimers, GUINT_TO_POINTER(id));
 }
 
 void freeInfoBar(InfoBar *infoBar)
 {
-    for (const GSList *timer = infoBar->hideTimers; timer; timer = timer->next)
-        g_source_remove(GPOINTER_TO_UINT(timer->data));
-    g_slist_free(infoBar->hideTimers);
+    while (!g_queue_is_empty(&infoBar->hideTimers))
+        g_source_remove(GPOINTER_TO_UINT(g_queue_pop_head(&infoBar->hideTimers)));
     g_free(infoBar->infoBarText);
     delete infoBar;
 }

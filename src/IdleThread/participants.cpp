@@ -11,8 +11,6 @@
 #include "src/localizationText.h"
 #include "src/support.h"
 
-#include <cstdio>
-
 namespace
 {
 
@@ -23,7 +21,6 @@ constexpr char revokeLabel[] = "Revoke Control"; // never translated: the entry 
 constexpr char sessionWithoutMenus[] = "Urs";
 constexpr int rowIconPx = 12;
 constexpr int rowPaddingPx = 2;
-constexpr int nameWidthChars = 30;
 
 /// What the mailbox held.
 struct ParticipantLine {
@@ -79,9 +76,10 @@ GtkWidget *newCursorImage(const MainWindow *mainwindow)
 
 GtkWidget *newNameLabel(const char *name)
 {
-    GtkWidget *const label = gtk_label_new(displayable_text(name).get());
-    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), nameWidthChars);
+    const OwnedText shown = displayable_name(name);
+    GtkWidget *const label = gtk_label_new(shown.get());
+    makeOneLine(label);
+    gtk_widget_set_tooltip_text(label, shown.get());
     return label;
 }
 
@@ -110,7 +108,7 @@ GtkWidget *newRowButton(const MainWindow *mainwindow, const char *participantNam
     gtk_widget_set_name(button, buttonName);
     gtk_button_set_image(GTK_BUTTON(button), resizeImages(mainwindow->settingsButtonImagePath, rowIconPx, 0));
     gtk_button_set_relief(GTK_BUTTON(button), GTK_RELIEF_NONE);
-    g_autofree char *name = g_strdup_printf("%s: %s", getString("More"), displayable_text(participantName).get());
+    g_autofree char *name = g_strdup_printf("%s: %s", getString("More"), displayable_name(participantName).get());
     atk_object_set_name(gtk_widget_get_accessible(button), name);
     return button;
 }
@@ -126,6 +124,7 @@ void addRowMenu(MainWindow *mainwindow, GtkWidget *row, GtkWidget *cursor, const
     connect_signal(button, "clicked", showPopup, menu);
     gtk_box_pack_end(GTK_BOX(row), button, FALSE, TRUE, 0);
     g_object_set_data_full(G_OBJECT(button), menuKey, menu, destroyMenu);
+    gtk_menu_attach_to_widget(GTK_MENU(menu), button, nullptr);
 }
 
 void addRow(MainWindow *mainwindow, const ParticipantLine &line)
@@ -190,6 +189,12 @@ Search findRowParts(GtkWidget *row, RowParts *parts)
     return state;
 }
 
+void printMissingParts(const char *id)
+{
+    g_autofree char *text = g_strdup_printf("Could not find cursorImage or blockAccess for participant: %s\n", id);
+    print_output(text);
+}
+
 void modifyRow(GtkWidget *row, const ParticipantLine &line)
 {
     RowParts parts = {};
@@ -203,8 +208,7 @@ void modifyRow(GtkWidget *row, const ParticipantLine &line)
         UI_INFO_AS("ModifyParticipants", "No menu associated with the settings button\n");
         break;
     case Search::goesOn:
-        printf("Could not find cursorImage or blockAccess for participant: %s\n", line.id.get());
-        fflush(stdout);
+        printMissingParts(line.id.get());
         break;
     }
 }

@@ -27,10 +27,21 @@ gboolean showRoleButtons(MainWindow *mainwindow)
     return G_SOURCE_REMOVE;
 }
 
+/// The focus that the start/stop button lost while it waited, insensitive, for the agent comes back, unless the
+/// customer has gone on to another control.
+void returnFocus(MainWindow *mainwindow)
+{
+    auto *const window = GTK_WINDOW(mainwindow->window);
+    if (mainwindow->sharingButtonHadFocus && !gtk_window_get_focus(window))
+        gtk_widget_grab_focus(mainwindow->startStopSharingButton);
+    mainwindow->sharingButtonHadFocus = false;
+}
+
 void enterState(MainWindow *mainwindow, int state)
 {
     customeRolesHandling(mainwindow);
     gtk_widget_set_sensitive(mainwindow->startStopSharingButton, TRUE);
+    returnFocus(mainwindow);
     if (mainwindow->StartButtonState == state)
         return; // the button shows it already
     mainwindow->StartButtonState = state;
@@ -61,6 +72,8 @@ gboolean ButtonChangeStop(MainWindow *mainwindow)
 gboolean noInternet(MainWindow *mainwindow)
 {
     UI_ENTER();
+    if (quit_requested())
+        return G_SOURCE_REMOVE; // as for every notice
     setImageFromFile(mainwindow->statusIcon, mainwindow->imageOffline);
     InfoBar *const infoBar = mainwindow->infoBarStruct;
     // Only the label: the notice is seen only while the bar itself is there.

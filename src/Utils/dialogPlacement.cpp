@@ -30,18 +30,20 @@ Rect readParentRect(GtkWidget *parent, int x, int y)
     gtk_window_get_size(GTK_WINDOW(parent), &rect.width, &rect.height);
     GdkWindow *const gdkWindow = gtk_widget_get_window(parent);
     if (!gdkWindow || !gtk_widget_get_realized(parent)) {
-        UI_INFO("GdkWindow not available, using window position: pos(%d,%d) size(%dx%d)", rect.x, rect.y, rect.width,
-                rect.height);
+        UI_INFO_AS("choose_dialog_position", "GdkWindow not available, using window position: pos(%d,%d) size(%dx%d)",
+                   rect.x, rect.y, rect.width, rect.height);
         return rect;
     }
     GdkRectangle frame = {};
     gdk_window_get_frame_extents(gdkWindow, &frame);
     if (frame.width > 0 && frame.height > 0) {
         rect = {frame.x, frame.y, frame.width, frame.height};
-        UI_INFO("Using frame extents: pos(%d,%d) size(%dx%d)", rect.x, rect.y, rect.width, rect.height);
+        UI_INFO_AS("choose_dialog_position", "Using frame extents: pos(%d,%d) size(%dx%d)", rect.x, rect.y, rect.width,
+                   rect.height);
     } else {
-        UI_INFO("Frame extents invalid, usingtk_widget_get_windowg window position: pos(%d,%d) size(%dx%d)", rect.x,
-                rect.y, rect.width, rect.height);
+        UI_INFO_AS("choose_dialog_position",
+                   "Frame extents invalid, usingtk_widget_get_windowg window position: pos(%d,%d) size(%dx%d)", rect.x,
+                   rect.y, rect.width, rect.height);
     }
     return rect;
 }
@@ -50,16 +52,16 @@ void logPlace(const Place &place)
 {
     switch (place.fit) {
     case Place::Fit::above:
-        UI_INFO("Placing dialog above parent at (%d,%d)", place.x, place.y);
+        UI_INFO_AS("choose_dialog_position", "Placing dialog above parent at (%d,%d)", place.x, place.y);
         break;
     case Place::Fit::below:
-        UI_INFO("Placing dialog below parent at (%d,%d)", place.x, place.y);
+        UI_INFO_AS("choose_dialog_position", "Placing dialog below parent at (%d,%d)", place.x, place.y);
         break;
     case Place::Fit::centred:
-        UI_INFO("Centering dialog on screen at (%d,%d)", place.x, place.y);
+        UI_INFO_AS("choose_dialog_position", "Centering dialog on screen at (%d,%d)", place.x, place.y);
         break;
     case Place::Fit::none:
-        UI_INFO("Using fallback position (0,0) - no suitable space found");
+        UI_INFO_AS("choose_dialog_position", "Using fallback position (0,0) - no suitable space found");
         break;
     }
 }

@@ -37,6 +37,40 @@ int screenScale()
     return root ? gdk_window_get_scale_factor(root) : 1;
 }
 
+/// True for the themes of people who need strong contrasts; the environment goes before the settings, as for GTK.
+bool isHighContrast()
+{
+    g_autofree char *theme = g_strdup(g_getenv("GTK_THEME"));
+    if (!theme)
+        g_object_get(gtk_settings_get_default(), "gtk-theme-name", &theme, nullptr);
+    return theme && g_str_has_prefix(theme, "HighContrast");
+}
+
+/// Paints every pixel of a one-coloured picture in another colour; its shape, which is its alpha, stays.
+void paintPixels(GdkPixbuf *picture, const GdkRGBA &colour)
+{
+    if (!gdk_pixbuf_get_has_alpha(picture))
+        return;
+    const guchar rgb[] = {guchar(colour.red * 255), guchar(colour.green * 255), guchar(colour.blue * 255)};
+    constexpr int bytesPerPixel = 4;
+    guchar *const pixels = gdk_pixbuf_get_pixels(picture);
+    for (int y = 0; y < gdk_pixbuf_get_height(picture); y++)
+        for (int x = 0; x < gdk_pixbuf_get_width(picture); x++)
+            memcpy(pixels + y * gdk_pixbuf_get_rowstride(picture) + x * bytesPerPixel, rgb, sizeof rgb);
+}
+
+/// Tool icons take the colour of the text where the theme asks for strong contrasts.
+void followTheme(GdkPixbuf *icon)
+{
+    if (!isHighContrast())
+        return;
+    GtkWidget *const label = GTK_WIDGET(g_object_ref_sink(gtk_label_new("")));
+    GdkRGBA colour;
+    if (gtk_style_context_lookup_color(gtk_widget_get_style_context(label), "theme_fg_color", &colour))
+        paintPixels(icon, colour);
+    g_object_unref(label);
+}
+
 GtkWidget *newPixbufImage(GdkPixbuf *pixbuf, int scale)
 {
     if (scale == 1)
@@ -95,6 +129,8 @@ GtkWidget *resizeImages(const char *path, int sizePx, int marginPx)
     GdkPixbuf *const file = readPicture(path);
     g_autoptr(GdkPixbuf) scaled =
         file ? gdk_pixbuf_scale_simple(file, sizePx * scale, sizePx * scale, GDK_INTERP_BILINEAR) : nullptr;
+    if (scaled)
+        followTheme(scaled);
     GtkWidget *const image = scaled ? newPixbufImage(scaled, scale) : newEmptyImage(sizePx);
     g_object_set(image, "margin", marginPx, nullptr);
     return image;

@@ -22,7 +22,6 @@ constexpr int fileTransferPaddingPx = 5;
 constexpr int recordingPaddingPx = 1;
 constexpr int settingsIconPx = 14;
 constexpr int toolIconPx = 16;
-constexpr int statusWidthChars = 32;
 constexpr int noticeWidthChars = 40;
 constexpr int panelHidden = 2;
 
@@ -273,9 +272,7 @@ GtkWidget *newStatusLabel()
 {
     GtkWidget *const label = keep_widget(gtk_label_new(""));
     setVerticalMargins(label, statusMarginPx);
-    // A name of any length leaves the window as wide as it is.
-    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), statusWidthChars);
+    makeOneLine(label);
     return label;
 }
 

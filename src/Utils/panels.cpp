@@ -12,6 +12,7 @@ constexpr int shown = 1;
 constexpr int hidden = 2;
 constexpr int arrowMarginPx = 4;
 constexpr int severalTechnicians = 2;
+constexpr int oneLineChars = 20;
 
 void showNoticeWhileAlone(MainWindow *mainwindow, const char *function)
 {
@@ -95,6 +96,16 @@ GtkWidget *createExapnder(const PanelParts &parts, MainWindow *mainwindow)
 void setArrow(CustomExpander *header, bool open, GtkIconSize size)
 {
     gtk_image_set_from_icon_name(GTK_IMAGE(header->arrowImage), open ? "pan-down-symbolic" : "pan-end-symbolic", size);
+}
+
+void makeOneLine(GtkWidget *label)
+{
+    gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    // It asks for little, so that the window stays as wide as it is, and takes what is left.
+    gtk_label_set_max_width_chars(GTK_LABEL(label), oneLineChars);
+    gtk_label_set_xalign(GTK_LABEL(label), 0);
+    gtk_widget_set_hexpand(label, TRUE);
 }
 
 void resizeMainWindow(GtkWidget *window)

@@ -51,6 +51,9 @@ GtkWidget *newImageFromFile(const char *path);
 /// Puts a file's picture into an image; as `newImageFromFile`.
 void setImageFromFile(GtkWidget *image, const char *path);
 
+/// Has a label show any text in one line of the room there is; the text itself stays whole.
+void makeOneLine(GtkWidget *label);
+
 /// Sets the margins that are not negative, in pixels.
 void set_widget_margins(GtkWidget *widget, int start, int end, int top, int bottom);
 /// Sets the margins of the status row. @return 0.
