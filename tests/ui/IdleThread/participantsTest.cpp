@@ -7,6 +7,7 @@
 #include "tests/support/testSession.h"
 #include "tests/support/widgetSearch.h"
 #include "tests/ui/main/windowParts.h"
+#include "tests/unit/main/rawOutput.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -354,10 +355,13 @@ TEST_P(PlainParticipants, HaveNoButtonAndAreReportedOnStandardOutput)
     GtkWidget *const ann = add("Ann", "42");
     EXPECT_EQ(childrenOf(ann).size(), 2u);
     newMessages();
-    ::testing::internal::CaptureStdout();
-    modify("42", true);
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(),
-              "Could not find cursorImage or blockAccess for participant: 42\n");
+    std::string written;
+    {
+        const RawOutput output(home.file("output"));
+        modify("42", true);
+        written = output.written();
+    }
+    EXPECT_EQ(written, "Could not find cursorImage or blockAccess for participant: 42\n");
     EXPECT_THAT(newMessages(), ElementsAre("participant box found"));
 }
 

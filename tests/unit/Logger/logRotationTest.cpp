@@ -6,6 +6,7 @@
 
 #include "tests/support/logFile.h"
 #include "tests/support/temporaryFolder.h"
+#include "tests/unit/main/rawOutput.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -164,6 +165,17 @@ TEST_F(Rotation, SaysOnStandardOutputWhichFileItMoves)
 {
     fill(limit);
     EXPECT_EQ(saysOnOutput(folder.path()), folder.file("ui.log"));
+}
+
+TEST_F(Rotation, LeavesNothingInTheBufferForAChildToRepeat)
+{
+    std::string written;
+    {
+        const RawOutput output(folder.file("output"));
+        GetRotationCount(folder.path().c_str(), "ui.log", 7);
+        written = output.written();
+    }
+    EXPECT_EQ(written, folder.file("ui.log"));
 }
 
 TEST_F(Rotation, AnEntryThatCanNotBeExaminedIsReportedAndSkipped)

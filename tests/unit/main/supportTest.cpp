@@ -153,8 +153,8 @@ TEST(EndOfTheProgram, AskedForTwiceEndsOneLoopOnly)
     g_idle_add(
         [](gpointer) -> gboolean {
             request_quit();
-            request_quit();
             gtk_main(); // the one that is ended
+            request_quit();
             return G_SOURCE_REMOVE;
         },
         nullptr);
