@@ -147,7 +147,8 @@ def _origins_at(x, y):
     while window:
         try:
             inside = window.translate_coords(root, x, y)
-            origins.append((x - inside.x, y - inside.y))
+            if window != root:  # where a window seems to be that was not placed yet
+                origins.append((x - inside.x, y - inside.y))
             window = inside.child or None
         except error.XError:
             break

@@ -224,10 +224,13 @@ class Participants(StatusCase):
         self.assertEqual(self.session.warnings(), [])
 
     def test_with_the_name_of_a_widget_type_hurt_nobody(self):
+        # One after the other: the last line that waits to be shown replaces the one before it.
         self.status("participantsDelete x GtkLabel")
+        self.session.log.expect("data cleared")
         self.status("participantsModify GtkBox false")
+        self.session.log.expect("Participant box not found for ID: GtkBox")
         self.status("participantsDelete x gtklabel")
-        self.session.settled()
+        self.session.log.expect("data cleared", times=2)
         self.add("Ann", "1")
         self.status("participantsDelete Ann 1")
         self.application.has_label(self.NOTICE)
