@@ -6,7 +6,7 @@
 /// Room from which a text is put into a scrolled area, about 24 lines of a narrow dialog.
 inline constexpr int scrolledTextRoom = 1200;
 /// Room that a question may take at most; the rest is cut.
-inline constexpr int readableTextRoom = 20000;
+inline constexpr int readableTextRoom = 8000;
 
 /// How much room a text takes: one for each character, a line's worth for each line break; never more than one past
 /// `readableTextRoom`, however long the text is.
