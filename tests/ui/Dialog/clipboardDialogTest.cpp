@@ -84,7 +84,7 @@ TEST_F(ClipboardPermission, DestructionIsToldOnce)
     ask();
     GtkWidget *const dialog = GTK_WIDGET(g_object_ref(clipboardPermissionDialog));
     gtk_widget_destroy(dialog);
-    gtk_widget_destroy(dialog);
+    on_destroy_clipboardPermission(dialog, mainWindow);
     g_object_unref(dialog);
     EXPECT_THAT(answers(), ElementsAre("clipboard 3"));
 }

@@ -216,6 +216,16 @@ TEST_F(PromptTest, NewInvitationTakesThePlaceOfTheOpenOne)
     EXPECT_THAT(answers(), IsEmpty());
 }
 
+TEST_F(PromptTest, InvitationShownTwiceIsOneDialog)
+{
+    show_audio_video_recive(mainWindow, "Voice Call");
+    show_audio_video_recive(mainWindow, "Video Call");
+    EXPECT_EQ(dialogs().size(), 1U);
+    answer(audioVideoDialog, GTK_RESPONSE_ACCEPT);
+    EXPECT_THAT(dialogs(), IsEmpty());
+    EXPECT_THAT(answers(), ElementsAre("dialogResponse AVAccept"));
+}
+
 TEST_F(PromptTest, CancellingNoInvitationOnlyLogs)
 {
     prompt("CancelAVCall");
