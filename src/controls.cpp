@@ -99,6 +99,16 @@ void popUp(GModule *library, GtkWidget *settingsButton, GtkWidget *menu)
         UI_INFO_AS("showPopup", "error loading function");
 }
 
+/// A menu needs a window to belong to, else Wayland can't place it. Attached to its button it would be hidden from
+/// assistive technology.
+void tieToWindow(GtkWidget *menu, GtkWidget *button)
+{
+    GtkWidget *const popup = gtk_widget_get_toplevel(menu);
+    GtkWidget *const window = gtk_widget_get_toplevel(button);
+    if (GTK_IS_WINDOW(popup) && GTK_IS_WINDOW(window))
+        gtk_window_set_transient_for(GTK_WINDOW(popup), GTK_WINDOW(window));
+}
+
 } // namespace
 
 void showSharingButton(MainWindow *mainwindow)
@@ -150,6 +160,7 @@ void showPopup(GtkWidget *settingsButton, GtkWidget *menu)
         UI_INFO("error loading module");
         return;
     }
+    tieToWindow(menu, settingsButton);
     popUp(library, settingsButton, menu);
     if (!g_module_close(library))
         UI_INFO("error closing module");

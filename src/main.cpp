@@ -25,8 +25,8 @@ namespace
 {
 
 constexpr char desktopEntryName[] = "Brindle";
-constexpr gulong startDelayUs = 4UL * G_USEC_PER_SEC;
-constexpr gulong startDelayStepUs = startDelayUs / 40;
+constexpr gint64 startDelayUs = 4 * gint64(G_USEC_PER_SEC);
+constexpr gint64 startDelayStepUs = startDelayUs / 40;
 constexpr int bigBlockBytes = 128 * 1024; // the allocator's own first threshold
 constexpr gulong shutDownPauseUs = 100000;
 constexpr int fromRightPx = 200;
@@ -176,7 +176,6 @@ void connectControls(GtkWidget *settingsMenu)
     connect_signal(window->fileTransfer->button, "clicked", expandFileTransfer, window);
     connect_signal(window->startStopSharingButton, "clicked", on_start_clicked, window);
     connect_signal(window->settingsButton, "clicked", showPopup, settingsMenu);
-    gtk_menu_attach_to_widget(GTK_MENU(settingsMenu), window->settingsButton, nullptr);
     connect_signal(window->window, "delete-event", on_window_main_delete, window);
     connect_signal(window->chatExpander->rightButton, "clicked", SaveChatTranscript, session.chatWindow);
 }
@@ -216,11 +215,19 @@ void beginStartedSession()
     session.watcher = g_thread_new("Brindle-UI-checker", uiChecker, window);
 }
 
+/// Theme and fonts are read with the first window: here, while there is time.
+void warmToolkit()
+{
+    gtk_widget_destroy(gtk_window_new(GTK_WINDOW_TOPLEVEL));
+}
+
 /// The fixed delay, cut short when the session is to end before it has begun.
 void waitStartDelay()
 {
-    for (gulong waitedUs = 0; waitedUs < startDelayUs && !isSigtermPending(); waitedUs += startDelayStepUs)
-        g_usleep(startDelayStepUs);
+    const gint64 end = g_get_monotonic_time() + startDelayUs;
+    warmToolkit();
+    for (gint64 left; (left = end - g_get_monotonic_time()) > 0 && !isSigtermPending();)
+        g_usleep(gulong(MIN(left, startDelayStepUs)));
 }
 
 /// The window with everything that belongs to it.

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace
 {
@@ -25,16 +26,72 @@ std::atomic<bool> quitRequested = false;
 // Dialogs that run a loop of their own, innermost first. Main thread.
 GSList *nestedDialogs = nullptr;
 
+// How long callbacks run before the window may draw and answer again.
+constexpr gint64 sliceUs = 8000;
+
+/// A callback on its way to the main thread.
 struct Task {
     GSourceFunc callback;
     gpointer record;
+    Task *next;
 };
 
-gboolean runTask(gpointer data)
+// The callbacks in their order, and whether a source is there to run them; under `tasksMutex`. One source runs them
+// all: an agent may send a hundred thousand lines in one text.
+GMutex tasksMutex;
+Task *firstTask = nullptr;
+Task *lastTask = nullptr;
+bool isSourceAttached = false;
+
+/// The next callback; one without a function when there is none, and then the source is to go.
+Task takeTask()
 {
-    const auto *const task = static_cast<const Task *>(data);
-    task->callback(task->record);
-    return G_SOURCE_REMOVE;
+    const MutexLock lock(&tasksMutex);
+    if (!firstTask) {
+        isSourceAttached = false;
+        return {};
+    }
+    Task *const taken = firstTask;
+    const Task task = *taken;
+    firstTask = taken->next;
+    if (!firstTask)
+        lastTask = nullptr;
+    g_free(taken);
+    return task;
+}
+
+gboolean runTasks(gpointer)
+{
+    const gint64 end = g_get_monotonic_time() + sliceUs;
+    // What is left when the program is to end stays undone.
+    while (!quit_requested() && g_get_monotonic_time() < end) {
+        const Task task = takeTask();
+        if (!task.callback)
+            return G_SOURCE_REMOVE;
+        task.callback(task.record);
+    }
+    return G_SOURCE_CONTINUE;
+}
+
+/// True when the caller has to attach the source.
+bool appendTask(GSourceFunc callback, gpointer record)
+{
+    auto *const task = g_new(Task, 1);
+    *task = {callback, record, nullptr};
+    const MutexLock lock(&tasksMutex);
+    (lastTask ? lastTask->next : firstTask) = task;
+    lastTask = task;
+    return !std::exchange(isSourceAttached, true);
+}
+
+void attachTaskSource()
+{
+    GSource *const source = g_idle_source_new();
+    g_source_set_callback(source, runTasks, nullptr, nullptr);
+    // A callback may run a loop of its own, a file chooser's; the others go on meanwhile.
+    g_source_set_can_recurse(source, TRUE);
+    g_source_attach(source, nullptr);
+    g_source_unref(source);
 }
 
 void cancelNestedDialog(gpointer dialog, gpointer)
@@ -104,9 +161,8 @@ void run_on_main_untyped(GSourceFunc callback, gpointer record)
         callback(record);
         return;
     }
-    auto *const task = g_new(Task, 1);
-    *task = {callback, record};
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, runTask, task, g_free);
+    if (appendTask(callback, record))
+        attachTaskSource();
 }
 
 void request_quit()

@@ -60,8 +60,6 @@ int startInfoBar(InfoBar *infoBar, const char *text)
 gboolean PopUpInfoBar(InfoBar *infoBar)
 {
     UI_ENTER();
-    if (quit_requested())
-        return G_SOURCE_REMOVE; // thousands of notices must not hold up the end
     showText(infoBar);
     hideInfoBarLater(infoBar);
     return G_SOURCE_REMOVE;

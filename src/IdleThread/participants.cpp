@@ -124,7 +124,6 @@ void addRowMenu(MainWindow *mainwindow, GtkWidget *row, GtkWidget *cursor, const
     connect_signal(button, "clicked", showPopup, menu);
     gtk_box_pack_end(GTK_BOX(row), button, FALSE, TRUE, 0);
     g_object_set_data_full(G_OBJECT(button), menuKey, menu, destroyMenu);
-    gtk_menu_attach_to_widget(GTK_MENU(menu), button, nullptr);
 }
 
 void addRow(MainWindow *mainwindow, const ParticipantLine &line)

@@ -72,8 +72,6 @@ gboolean ButtonChangeStop(MainWindow *mainwindow)
 gboolean noInternet(MainWindow *mainwindow)
 {
     UI_ENTER();
-    if (quit_requested())
-        return G_SOURCE_REMOVE; // as for every notice
     setImageFromFile(mainwindow->statusIcon, mainwindow->imageOffline);
     InfoBar *const infoBar = mainwindow->infoBarStruct;
     // Only the label: the notice is seen only while the bar itself is there.

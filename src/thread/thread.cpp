@@ -12,6 +12,7 @@
 #include "src/localizationText.h"
 #include "src/sessionState.h"
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -21,6 +22,7 @@ namespace
 {
 
 constexpr gulong livenessPeriodUs = 15UL * G_USEC_PER_SEC;
+constexpr gsize bigTextBytes = 256 * 1024;
 constexpr gsize chatOffset = 5;        // "chat" and a separator
 constexpr gsize sessionKeyOffset = 11; // "sessionKey" and a separator
 
@@ -248,6 +250,13 @@ void forgetJoinMessage(MainWindow *mainwindow)
     replace_text(g_joinConfirmationMessage, nullptr);
 }
 
+/// Runs behind the callbacks of a big text, so that what they needed goes back to the system as well.
+gboolean giveMemoryBack(MainWindow *)
+{
+    malloc_trim(0);
+    return G_SOURCE_REMOVE;
+}
+
 /// Takes the sign of life; true when there was one since the last time.
 bool takeSignOfLife(MainWindow *mainwindow)
 {
@@ -264,10 +273,15 @@ gpointer messageParser(gpointer threadData)
     const OwnedText agentPipe(g_strdup(g_AgentStatus));
     forgetJoinMessage(data.mainwindow);
     while (g_threadChecker) {
-        const OwnedText text = popText(pipeMessageQueue);
+        OwnedText text = popText(pipeMessageQueue);
         if (strcmp(text.get(), stopSentinel) == 0)
             break;
+        const bool isBig = strlen(text.get()) >= bigTextBytes;
         dispatchText(text.get(), data);
+        if (isBig) {
+            text.reset();
+            run_on_main(giveMemoryBack, data.mainwindow);
+        }
     }
     unlink(agentPipe.get());
     UI_INFO("closing thread");
