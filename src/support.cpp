@@ -18,6 +18,8 @@ namespace
 
 // Far more than any window shows, and quickly laid out.
 constexpr glong longestName = 10000;
+constexpr gsize longestUnbroken = 500;
+constexpr char invisibleBreak[] = "\u200b";
 
 // Written by adopt_main_thread before any other thread runs.
 GThread *mainThread = nullptr;
@@ -140,6 +142,22 @@ OwnedText displayable_name(const char *name)
         return shown;
     g_autofree char *beginning = g_utf8_substring(shown.get(), 0, longestName);
     return OwnedText(g_strconcat(beginning, "\u2026", nullptr));
+}
+
+OwnedText breakable_text(const char *text)
+{
+    OwnedText shown = displayable_text(text);
+    if (strlen(shown.get()) <= longestUnbroken)
+        return shown;
+    GString *const broken = g_string_new(nullptr);
+    gsize length = 0;
+    for (const char *at = shown.get(); *at; at = g_utf8_next_char(at)) {
+        g_string_append_unichar(broken, g_utf8_get_char(at));
+        length = g_unichar_isspace(g_utf8_get_char(at)) ? 0 : length + 1;
+        if (length > 0 && length % longestUnbroken == 0)
+            g_string_append(broken, invisibleBreak);
+    }
+    return OwnedText(g_string_free(broken, FALSE));
 }
 
 const char *piece_or_empty(char *const *pieces, guint index)

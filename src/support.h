@@ -30,6 +30,10 @@ OwnedText displayable_text(const char *text);
 /// on. Thread: any.
 OwnedText displayable_name(const char *name);
 
+/// A copy of a text that a view can lay out in no time: as `displayable_text`, with an invisible place to break in
+/// words of hundreds of characters, which are measured as a whole. Thread: any.
+OwnedText breakable_text(const char *text);
+
 /// A piece of a split line, or the empty text when the line has fewer pieces; borrowed from `pieces`.
 const char *piece_or_empty(char *const *pieces, guint index);
 

@@ -33,7 +33,14 @@ std::atomic<gint64> lastCommandDeadlineUs = 0;
 
 bool sessionEndsOrProgramGone()
 {
-    return quit_requested() || !isAnnotationAlive;
+    return quit_requested() || !isAnnotationAlive || isAnnotationProgramGone();
+}
+
+/// A plain file in the pipe's place would swallow the commands.
+bool isPlainFile(const char *path)
+{
+    struct stat status;
+    return stat(path, &status) == 0 && !S_ISFIFO(status.st_mode);
 }
 
 bool sessionEnds()
@@ -118,17 +125,21 @@ enum class Reading { report, nothing, failed };
 /// Reads until the writer closes.
 Reading readReport(int pipe, const Run &run, std::string &report)
 {
+    if (!waitForReport(pipe, isOver(run)))
+        return Reading::nothing;
     char buffer[4096];
-    while (waitForReport(pipe, isOver(run))) {
+    for (;;) {
+        // Reads before it waits: poll() does not tell of a writer that had come and gone before this end was opened.
         const ssize_t count = read(pipe, buffer, sizeof buffer);
         if (count == 0)
             return Reading::report;
-        if (count < 0 && errno != EAGAIN && errno != EINTR)
-            return Reading::failed;
         if (count > 0)
             report.append(buffer, std::min(gsize(count), longestReport - report.size()));
+        else if (errno == EAGAIN && !waitForReport(pipe, isOver(run)))
+            return report.empty() ? Reading::nothing : Reading::report;
+        else if (errno != EAGAIN && errno != EINTR)
+            return Reading::failed;
     }
-    return report.empty() ? Reading::nothing : Reading::report;
 }
 
 void handleReport(const std::string &report, MainWindow *mainwindow)
@@ -185,7 +196,7 @@ int AnnotationPipeWriter(const char *pipePath, const char *text)
 {
     UI_ENTER();
     const GiveUp giveUp = chooseGiveUp();
-    Descriptor pipe(openForWriting(pipePath, giveUp));
+    Descriptor pipe(isPlainFile(pipePath) ? -1 : openForWriting(pipePath, giveUp));
     const bool isWritten = pipe.get() >= 0 && writeWhole(pipe.get(), text, strlen(text), giveUp);
     if (pipe.reset(-1) != 0 || !isWritten)
         UI_INFO("error writing to pipe\n");

@@ -17,6 +17,9 @@
 
 // Written under `Annotation.runMutex`.
 std::atomic<bool> isAnnotationAlive = false;
+// The program of the last start has ended, though its clean-up may still wait for the agent. Written by the start and
+// by the starter thread, under `Annotation.runMutex`.
+static std::atomic<bool> hasProgramEnded = false;
 
 namespace
 {
@@ -79,6 +82,13 @@ bool runProgram(const Annotation *annotation, GError **error)
                         nullptr, nullptr, nullptr, error);
 }
 
+void noteProgramEnd(Annotation *annotation, guint run)
+{
+    const MutexLock lock(&annotation->runMutex);
+    if (annotation->run == run)
+        hasProgramEnded = true;
+}
+
 /// @return true when the run was the last one and has ended now.
 bool endRunAndPipes(Annotation *annotation, guint run)
 {
@@ -107,6 +117,7 @@ int startAnnotationApplication(MainWindow *mainwindow)
         return 0;
     }
     isAnnotationAlive = true;
+    hasProgramEnded = false;
     annotation->run++;
     prepareFiles(annotation);
     replaceThread(annotation->start, g_thread_new("AnnotationStarter", StartAnnotationWindow, annotation));
@@ -123,6 +134,7 @@ gpointer StartAnnotationWindow(gpointer data)
     g_autoptr(GError) error = nullptr;
     if (!runProgram(annotation, &error))
         UI_DEBUG("error starting annoatation window %s", error->message);
+    noteProgramEnd(annotation, run);
     UI_INFO("annotation window has been closed closing dialog");
     encodeMonitorMessage("AnnotationClose", g_UiStatus);
     closeAnnotation(annotation, run);
@@ -139,6 +151,11 @@ void closeAnnotation(Annotation *annotation, guint run)
     auto *const collapse = g_new(Collapse, 1);
     *collapse = {annotation, ended};
     schedule_on_main(collapseAfterRun, collapse);
+}
+
+bool isAnnotationProgramGone()
+{
+    return hasProgramEnded;
 }
 
 void endAnnotationRun(Annotation *annotation, guint run)

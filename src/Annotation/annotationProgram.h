@@ -5,6 +5,8 @@
 
 /// True from the moment the program is about to start until it has ended or its pipe failed. Any thread.
 extern std::atomic<bool> isAnnotationAlive;
+/// True once the program of the last start has ended, which is a little before its clean-up. Thread: any.
+bool isAnnotationProgramGone();
 
 /// Starts the program and its two threads. @return 1, or 0 when it runs already. Thread: main.
 int startAnnotationApplication(MainWindow *mainwindow);

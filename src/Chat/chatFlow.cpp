@@ -47,22 +47,19 @@ bool replaceSender(ChatWindow *chatwindow, const char *sender)
     return true;
 }
 
-void noteFirstOfBlock(ChatWindow *chatwindow, const ReceivedMessage &received, const struct tm &now)
-{
-    const MutexLock lock(&chatwindow->mutex);
-    appendFullEntry(chatwindow, received.sender.get(), received.text.get(), now);
-}
+// An entry and the count that the next one goes by change under one lock: between them the other direction could put
+// its words under the wrong name.
 
 void noteReceived(ChatWindow *chatwindow, const ReceivedMessage &received, const struct tm &now,
                   const struct tm &previous)
 {
-    if (received.startsBlock) {
+    if (received.startsBlock)
         log_print(levelTrace, __LINE__, "ChatParserfunc", "Senders are different");
-        noteFirstOfBlock(chatwindow, received, now);
-    } else {
-        store_chat_message(received.text.get(), received.sender.get(), chatwindow, now, previous);
-    }
     const MutexLock lock(&chatwindow->mutex);
+    if (received.startsBlock)
+        appendFullEntry(chatwindow, received.sender.get(), received.text.get(), now);
+    else
+        appendEntry(received.text.get(), received.sender.get(), chatwindow, now, previous);
     chatwindow->AgentMessage = 0;
 }
 
@@ -118,11 +115,9 @@ void renderSent(ChatWindow *chatwindow, const char *text)
 
 void noteSent(ChatWindow *chatwindow, const char *text, const struct tm &now)
 {
-    {
-        const MutexLock lock(&chatwindow->mutex);
-        chatwindow->AgentMessage++;
-    }
-    store_chat_message(text, "you", chatwindow, now, chatwindow->previousTimeStamp);
+    const MutexLock lock(&chatwindow->mutex);
+    chatwindow->AgentMessage++;
+    appendEntry(text, "you", chatwindow, now, chatwindow->previousTimeStamp);
     chatwindow->previousTimeStamp = now;
 }
 

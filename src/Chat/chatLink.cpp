@@ -103,7 +103,8 @@ gboolean AddLenSession(_AddLenSessionData *data)
 {
     UI_ENTER();
     const bool isNamed = data->technicianName && *data->technicianName;
-    g_autofree char *text = g_strdup_printf(invitationFormat, isNamed ? data->technicianName : unnamedTechnician);
+    const OwnedText name = isNamed ? displayable_name(data->technicianName) : nullptr;
+    g_autofree char *text = g_strdup_printf(invitationFormat, isNamed ? name.get() : unnamedTechnician);
     if (data->chatwindow->chatview)
         append_message_with_clickable_range_word(GTK_TEXT_VIEW(data->chatwindow->chatview), text, clickableWord,
                                                  LoadWebviewWrapper, data->chatwindow);

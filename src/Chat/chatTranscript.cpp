@@ -153,8 +153,14 @@ void saveInto(const char *folder, ChatWindow *chatwindow)
 void store_chat_message(const char *message, const char *sender, ChatWindow *chatwindow, struct tm now,
                         struct tm previous)
 {
-    UI_ENTER();
     const MutexLock lock(&chatwindow->mutex);
+    appendEntry(message, sender, chatwindow, now, previous);
+}
+
+void appendEntry(const char *message, const char *sender, ChatWindow *chatwindow, const struct tm &now,
+                 const struct tm &previous)
+{
+    trace_print(__LINE__, "store_chat_message");
     // The minute alone, without hour and date, on purpose.
     if (chatwindow->AgentMessage != 1 && previous.tm_min == now.tm_min)
         appendShortEntry(chatwindow, message);

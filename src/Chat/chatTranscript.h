@@ -8,6 +8,9 @@
 /// @param message  may be null, which is written as "(null)"
 void store_chat_message(const char *message, const char *sender, ChatWindow *chatwindow, struct tm now,
                         struct tm previous);
+/// As `store_chat_message`. The caller holds `ChatWindow.mutex`. Thread: any.
+void appendEntry(const char *message, const char *sender, ChatWindow *chatwindow, const struct tm &now,
+                 const struct tm &previous);
 /// Appends one entry with sender and time. The caller holds `ChatWindow.mutex`. Thread: any.
 /// @param message  may be null, as above
 void appendFullEntry(ChatWindow *chatwindow, const char *sender, const char *message, const struct tm &now);

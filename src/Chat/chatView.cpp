@@ -165,7 +165,7 @@ int createBufferTags(GtkTextBuffer *buffer)
 
 void appendTagged(GtkTextBuffer *buffer, const char *text, std::initializer_list<const char *> tags)
 {
-    const OwnedText valid = displayable_text(text);
+    const OwnedText valid = breakable_text(text);
     GtkTextIter start, end;
     gtk_text_buffer_get_end_iter(buffer, &end);
     const int offset = gtk_text_iter_get_offset(&end);

@@ -53,7 +53,7 @@ void render(GtkTextBuffer *buffer, const ReceivedMessage &received)
         return;
     if (received.startsBlock) {
         appendTagged(buffer, "\n", {});
-        appendTagged(buffer, received.sender.get(),
+        appendTagged(buffer, displayable_name(received.sender.get()).get(),
                      {"lmarg_user", "gray_bg", "leftjustification", "big", "usercolor"});
         appendTagged(buffer, "\n", {});
     }

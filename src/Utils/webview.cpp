@@ -98,6 +98,11 @@ int LoadWebview(const char *url, ChatWindow *chatwindow)
     if (!library)
         return 1;
     GtkWidget *const webview = library->webview_new();
+    if (!webview) {
+        free(library->lib_path);
+        g_free(library);
+        return 1; // a library that can't make a view is none
+    }
     GtkWidget *const dialog = newArWindow(webview);
     clearCache(library, webview);
     library->webview_load_uri(webview, url);

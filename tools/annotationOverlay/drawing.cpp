@@ -102,7 +102,6 @@ void Drawing::add(const Stroke &stroke)
     cairo_t *const cr = cairo_create(m_picture.get());
     paintStroke(cr, stroke);
     cairo_destroy(cr);
-    m_isEmpty = m_isEmpty && stroke.tool == Tool::eraser;
 }
 
 void Drawing::clear()
@@ -111,5 +110,4 @@ void Drawing::clear()
     cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
     cairo_paint(cr);
     cairo_destroy(cr);
-    m_isEmpty = true;
 }

@@ -42,7 +42,6 @@ public:
 
     void add(const Stroke &stroke);
     void clear();
-    bool isEmpty() const { return m_isEmpty; }
     cairo_surface_t *picture() const { return m_picture.get(); }
 
 private:
@@ -50,5 +49,4 @@ private:
         void operator()(cairo_surface_t *surface) const { cairo_surface_destroy(surface); }
     };
     std::unique_ptr<cairo_surface_t, SurfaceDeleter> m_picture;
-    bool m_isEmpty = true;
 };

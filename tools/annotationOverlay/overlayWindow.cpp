@@ -187,8 +187,10 @@ gboolean on_release(GtkWidget *, GdkEventButton *event, gpointer)
 
 gboolean on_key(GtkWidget *, GdkEventKey *event, gpointer)
 {
-    if (event->keyval == GDK_KEY_Escape)
-        gtk_main_quit();
+    if (event->keyval != GDK_KEY_Escape)
+        return true;
+    leaveTool(); // the companion makes its tools usable again
+    gtk_main_quit();
     return true;
 }
 

@@ -10,6 +10,8 @@
 
 #include <sys/stat.h>
 
+#include <cstring>
+
 #include <string>
 #include <thread>
 #include <vector>
@@ -168,4 +170,34 @@ TEST(EndOfTheProgram, AskedForTwiceEndsOneLoopOnly)
         &outerWentOn);
     gtk_main();
     EXPECT_TRUE(outerWentOn);
+}
+
+TEST(BreakableText, LeavesOrdinaryTextsAsTheyAre)
+{
+    const std::string words = [] {
+        std::string text;
+        for (int i = 0; i < 1000; i++)
+            text += "word ";
+        return text;
+    }();
+    EXPECT_EQ(breakable_text(words.c_str()).get(), words);
+    EXPECT_STREQ(breakable_text(nullptr).get(), "");
+}
+
+TEST(BreakableText, BreaksEndlessWordsInvisiblyAndLosesNothing)
+{
+    const std::string word(1700, 'x');
+    std::string shown = breakable_text(word.c_str()).get();
+    size_t breaks = 0;
+    for (size_t at; (at = shown.find("\u200b")) != std::string::npos; breaks++)
+        shown.erase(at, strlen("\u200b"));
+    EXPECT_EQ(breaks, 3u);
+    EXPECT_EQ(shown, word);
+}
+
+TEST(DisplayableName, IsCutOnlyWhenItGoesOnAndOn)
+{
+    const std::string longest(10000, 'W');
+    EXPECT_EQ(displayable_name(longest.c_str()).get(), longest);
+    EXPECT_EQ(displayable_name((longest + "WW").c_str()).get(), longest + "…");
 }
