@@ -68,6 +68,13 @@ FILE *openRotated(const char *directory, const char *fileName, int maxSizeMB, in
     return fopen(path, "ae");
 }
 
+/// The writer's own reference to its queue; null while the log is closed.
+GAsyncQueue *referToQueue()
+{
+    const LogLock lock;
+    return logMessageQueue ? g_async_queue_ref(logMessageQueue) : nullptr;
+}
+
 } // namespace
 
 int log_init(const char *directory, const char *fileName, int maxSizeMB, int maxFiles)
@@ -125,11 +132,18 @@ char *print_time()
 
 void writeToLog()
 {
+    GAsyncQueue *const queue = referToQueue();
+    if (!queue)
+        return;
     while (writeLog) {
-        g_autofree char *message = static_cast<char *>(g_async_queue_pop(logMessageQueue));
+        g_autofree char *message = static_cast<char *>(g_async_queue_pop(queue));
+        const LogLock lock;
+        if (!log)
+            break; // it was closed while this waited
         fprintf(log, "%s\n", message);
         fflush(log);
     }
+    g_async_queue_unref(queue);
 }
 
 void setDebugMode(bool flag)
