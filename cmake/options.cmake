@@ -7,10 +7,6 @@ target_compile_definitions(brindle_options INTERFACE G_LOG_DOMAIN="brindle-ui")
 if(BRINDLE_SANITIZE)
     add_compile_options(-fsanitize=${BRINDLE_SANITIZE} -fno-omit-frame-pointer -O1)
     add_link_options(-fsanitize=${BRINDLE_SANITIZE})
-    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # Instrumented standard headers trip this one without a reason.
-        target_compile_options(brindle_options INTERFACE -Wno-error=maybe-uninitialized)
-    endif()
     if(BRINDLE_SANITIZE MATCHES "thread")
         # The race checker can't see into GLib's locks, queues and sources: a shim tells it what they order.
         set(BRINDLE_RACE_CHECK ON)
