@@ -40,12 +40,12 @@ const char *defaultJoinText(const MainWindow *mainwindow)
            "screen.";
 }
 
-/// The text to join by: the technician's message when there is something to read in it.
+/// The text to join by: the technician's message, and only without one the program's own. A message with nothing to
+/// read in it is no reason to ask for something else; nobody can join by it.
 OwnedText joinText(MainWindow *mainwindow)
 {
     const OwnedText message = takeText(&mainwindow->mutex, g_joinConfirmationMessage);
-    OwnedText text = decodeQuestion(message.get());
-    return hasVisibleText(text.get()) ? std::move(text) : OwnedText(g_strdup(defaultJoinText(mainwindow)));
+    return message ? decodeQuestion(message.get()) : OwnedText(g_strdup(defaultJoinText(mainwindow)));
 }
 
 GtkWidget *findLabel(GtkWidget *dialog)

@@ -30,6 +30,8 @@ void guardFromKeyboard(GtkWidget *dialog, MainWindow *mainwindow);
 
 /// Has every change of place and size reported to the agent. @param key the dialog's kind; copied.
 void reportPosition(GtkWidget *dialog, const char *key);
+/// Gives the focus to the button that refuses: a question may come while the customer types. Before it is shown.
+void focusRefusal(GtkWidget *dialog);
 
 /// Adds the structure events to the main window, unless it has gone.
 void listenToStructure(const MainWindow *mainwindow);

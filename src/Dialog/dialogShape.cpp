@@ -176,6 +176,12 @@ void guardFromKeyboard(GtkWidget *dialog, MainWindow *mainwindow)
         takeFocusAway(dialog);
 }
 
+void focusRefusal(GtkWidget *dialog)
+{
+    if (GtkWidget *const refusal = gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_REJECT))
+        gtk_widget_grab_focus(refusal);
+}
+
 void reportPosition(GtkWidget *dialog, const char *key)
 {
     gtk_widget_add_events(dialog, GDK_STRUCTURE_MASK);

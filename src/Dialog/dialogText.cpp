@@ -2,7 +2,10 @@
 
 #include "src/Dialog/dialogText.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <span>
 
 namespace
 {
@@ -12,23 +15,58 @@ constexpr int lineBreakRoom = 40;
 constexpr int unbrokenCharacters = 100;
 constexpr char invisibleBreak[] = "\u200B";
 constexpr int firstFileField = 2;
+constexpr gunichar replacementCharacter = 0xfffd;
+
+/// True for everything that a label begins a new line at.
+bool endsLine(gunichar character)
+{
+    switch (g_unichar_break_type(character)) {
+    case G_UNICODE_BREAK_MANDATORY:
+    case G_UNICODE_BREAK_CARRIAGE_RETURN:
+    case G_UNICODE_BREAK_LINE_FEED:
+    case G_UNICODE_BREAK_NEXT_LINE:
+        return true;
+    default:
+        return false;
+    }
+}
 
 int roomOf(gunichar character)
 {
-    return character == '\n' ? lineBreakRoom : 1;
+    return endsLine(character) ? lineBreakRoom : 1;
 }
+
+/// Letters and signs by their kind that look like blanks: fillers and the empty braille cell.
+constexpr gunichar blankLooking[] = {0x115f, 0x1160, 0x2800, 0x3164, 0xffa0};
 
 bool isVisible(gunichar character)
 {
-    return g_unichar_isgraph(character) && !g_unichar_iszerowidth(character);
+    return g_unichar_isgraph(character) && !g_unichar_iszerowidth(character) &&
+           std::ranges::find(blankLooking, character) == std::end(blankLooking);
+}
+
+/// True for what would make a name look like another one: line breaks and other controls, and turns of direction.
+bool disguises(gunichar character)
+{
+    return g_unichar_iscntrl(character) || endsLine(character) || (character >= 0x202a && character <= 0x202e) ||
+           (character >= 0x2066 && character <= 0x2069);
 }
 
 // -------------------------------------------------------------------------------------- markup without links
 
-/// True for the elements that are left out of the copy: links, and the root that the copy gets again.
+/// What a message may be set in: nothing that hides words or blows them up, and no links.
+constexpr const char *plainElements[] = {"b", "i", "s", "span", "tt", "u"};
+constexpr const char *plainAttributes[] = {"font_style", "font_weight", "strikethrough", "style", "underline", "weight"};
+
+bool isOneOf(std::span<const char *const> names, const char *name)
+{
+    return std::ranges::any_of(names, [name](const char *each) { return strcmp(each, name) == 0; });
+}
+
+/// True for the elements of which only the words are copied; the copy gets a root of its own again.
 bool isLeftOut(const char *element)
 {
-    return strcmp(element, "a") == 0 || strcmp(element, "markup") == 0;
+    return !isOneOf(plainElements, element);
 }
 
 void copyStart(GMarkupParseContext *, const char *element, const char **names, const char **values, gpointer copy,
@@ -39,6 +77,8 @@ void copyStart(GMarkupParseContext *, const char *element, const char **names, c
     auto *text = static_cast<GString *>(copy);
     g_string_append_printf(text, "<%s", element);
     for (guint i = 0; names[i]; i++) {
+        if (!isOneOf(plainAttributes, names[i]))
+            continue;
         g_autofree char *value = g_markup_escape_text(values[i], -1);
         g_string_append_printf(text, " %s=\"%s\"", names[i], value);
     }
@@ -149,6 +189,17 @@ OwnedText plainMarkup(const char *text)
     return hasVisibleText(words) && measureLongestWord(words) <= unbrokenCharacters ? std::move(markup) : nullptr;
 }
 
+OwnedText plainName(const char *name)
+{
+    const OwnedText valid = displayable_text(name);
+    GString *const plain = g_string_new(nullptr);
+    for (const char *at = valid.get(); *at; at = g_utf8_next_char(at)) {
+        const gunichar character = g_utf8_get_char(at);
+        g_string_append_unichar(plain, disguises(character) ? replacementCharacter : character);
+    }
+    return OwnedText(g_string_free(plain, FALSE));
+}
+
 OwnedText listOfferedFiles(const char *line)
 {
     const OwnedTexts fields(g_strsplit(line ? line : "", " ", -1));
@@ -157,7 +208,7 @@ OwnedText listOfferedFiles(const char *line)
         const char *field = fields.get()[i];
         const OwnedText name = unescape_text(field);
         g_string_append(sentence, i == firstFileField ? "File Name:  " : ", ");
-        g_string_append(sentence, name ? name.get() : field);
+        g_string_append(sentence, plainName(name ? name.get() : field).get());
     }
     g_string_append_c(sentence, '.');
     return displayable_text(sentence->str);

@@ -3,8 +3,9 @@
 
 #include "src/support.h"
 
-/// Room from which a text is put into a scrolled area, about 24 lines of a narrow dialog.
-inline constexpr int scrolledTextRoom = 1200;
+/// Room from which a text is put into a scrolled area, about a dozen lines of a narrow dialog: with the raised
+/// lines of a question that still fits a small screen.
+inline constexpr int scrolledTextRoom = 600;
 /// Room that a question may take at most; the rest is cut.
 inline constexpr int readableTextRoom = 8000;
 
@@ -22,6 +23,10 @@ bool hasVisibleText(const char *text);
 /// A text that can be read whole, or its beginning and an ellipsis. Very long words get invisible places to break,
 /// which also keeps their layout from taking seconds. @param wasCut set, never null.
 OwnedText cutToReadable(const char *text, bool *wasCut);
+
+/// A name as it reads: valid UTF-8 in which controls, line breaks and turns of direction stand as replacement
+/// characters, so that no name looks like another.
+OwnedText plainName(const char *name);
 
 /// Characters of the longest line of a text.
 int measureLongestLine(const char *text);

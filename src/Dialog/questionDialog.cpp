@@ -112,6 +112,8 @@ void showQuestion(GtkWidget *dialog, const Question &question, MainWindow *mainw
         listenToStructure(mainwindow);
     if (has(question, guarded))
         guardFromKeyboard(dialog, mainwindow);
+    else if (!has(question, askedByCustomer))
+        focusRefusal(dialog);
     if (has(question, reportsPosition))
         reportPosition(dialog, kind);
     gtk_widget_show_all(dialog);

@@ -45,6 +45,7 @@ enum Trait : unsigned {
     resizable = 1024,
     translatesLabels = 2048, ///< else the labels are shown as given
     textIsFinished = 4096,   ///< its text is no translation key
+    askedByCustomer = 8192,  ///< comes when the customer wants it, else in the midst of something
 };
 
 /// A row of the table.

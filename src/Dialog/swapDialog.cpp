@@ -5,6 +5,7 @@
 
 #include "Logger/logger.h"
 #include "src/Dialog/dialogInternal.h"
+#include "src/Dialog/dialogText.h"
 #include "src/Dialog/questionDialog.h"
 #include "src/IdleThread/widgetCallbacks.h"
 #include "src/Utils/dialogPlacement.h"
@@ -25,9 +26,10 @@ constexpr int labelMarginPx = 20;
 OwnedText waitingText(MainWindow *mainwindow)
 {
     const MutexLock lock(&mainwindow->mutex);
-    const char *name = mainwindow->Techname ? mainwindow->Techname : "(null)";
-    const OwnedText text(g_strdup_printf(getString(" Requesting %s to share screen          "), name));
-    return displayable_text(text.get());
+    const OwnedText name = mainwindow->Techname ? plainName(mainwindow->Techname) : OwnedText(g_strdup("(null)"));
+    const OwnedText text(g_strdup_printf(getString(" Requesting %s to share screen          "), name.get()));
+    bool wasCut = false;
+    return cutToReadable(text.get(), &wasCut);
 }
 
 GtkWidget *newWaitingContent(const char *text)
@@ -40,7 +42,7 @@ GtkWidget *newWaitingContent(const char *text)
     g_object_set(label, "margin", labelMarginPx, nullptr);
     wrapLabel(label);
     gtk_container_add(GTK_CONTAINER(box), spinner);
-    gtk_container_add(GTK_CONTAINER(box), label);
+    gtk_container_add(GTK_CONTAINER(box), scrolledWhenLong(label));
     return box;
 }
 } // namespace

@@ -6,6 +6,7 @@
 
 #include "Logger/logger.h"
 #include "src/Dialog/dialog.h"
+#include "src/Dialog/dialogText.h"
 #include "src/IdleThread/callInvitations.h"
 #include "src/IdleThread/widgetCallbacks.h"
 #include "src/Utils/dialogPlacement.h"
@@ -69,7 +70,7 @@ void showScriptLauncher(const Prompt &prompt)
                 g_strdup_printf("The technician is trying to execute the script \"%s\" on your computer.\n"
                                 "Clicking on Allow will execute the script on your device.\n\n"
                                 "Note : Proceed with this action only if you trust the technician.",
-                                hasName ? prompt.argument() : "(null)")};
+                                hasName ? plainName(prompt.argument()).get() : "(null)")};
     run_on_main(show_dialog_script_launcher, request);
 }
 

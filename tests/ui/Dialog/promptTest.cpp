@@ -74,9 +74,28 @@ TEST_F(PromptTest, JoinMessageThatIsNoMarkupIsShownAsItStands)
     EXPECT_EQ(textOf(open("samecon " + encoded("<b>x & y"))), "<b>x & y");
 }
 
-TEST_F(PromptTest, JoinMessageWithoutWordsGivesWayToTheDefault)
+TEST_F(PromptTest, JoinMessageWithoutWordsCanNotBeAccepted)
 {
-    EXPECT_THAT(textOf(open("samecon !!!")), ::testing::StartsWith("You are about to join a remote"));
+    GtkWidget *const dialog = open("samecon !!!");
+    EXPECT_EQ(textOf(dialog), "");
+    EXPECT_FALSE(gtk_widget_get_sensitive(
+        gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT)));
+}
+
+TEST_F(PromptTest, WhoeverIsTypingDoesNotAgree)
+{
+    for (const char *const prompt : {"launchScript clean.sh", "configureURS 9", "rebootPc", "lockuser"}) {
+        GtkWidget *const dialog = open(prompt);
+        GtkWidget *const focus = gtk_window_get_focus(GTK_WINDOW(dialog));
+        EXPECT_EQ(focus, gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_REJECT)) << prompt;
+        gtk_widget_destroy(dialog);
+    }
+}
+
+TEST_F(PromptTest, NoNameLooksLikeAnother)
+{
+    GtkWidget *const dialog = open("launchScript photo\u202egpj.sh");
+    EXPECT_THAT(textOf(dialog), ::testing::HasSubstr("photo\ufffdgpj.sh"));
 }
 
 TEST_F(PromptTest, DemoSessionIsJoinedInItsOwnWords)
