@@ -54,19 +54,24 @@ bool disguises(gunichar character)
 
 // -------------------------------------------------------------------------------------- markup without links
 
-/// What a message may be set in: nothing that hides words or blows them up, and no links.
-constexpr const char *plainElements[] = {"b", "i", "s", "span", "tt", "u"};
-constexpr const char *plainAttributes[] = {"font_style", "font_weight", "strikethrough", "style", "underline", "weight"};
+/// Of these only the words are copied: links, what shrinks or blows words up, and the root that the copy gets again.
+constexpr const char *leftOutElements[] = {"a", "big", "markup", "small", "sub", "sup"};
+/// These can hide words or blow them up.
+constexpr const char *leftOutAttributes[] = {
+    "alpha",       "background",     "background_alpha", "baseline_shift", "bgalpha",      "bgcolor",
+    "color",       "face",           "fgalpha",          "fgcolor",        "font",         "font_desc",
+    "font_family", "font_features",  "font_scale",       "font_size",      "font_stretch", "foreground",
+    "gravity",     "letter_spacing", "line_height",      "rise",           "scale",        "size",
+    "stretch"};
 
 bool isOneOf(std::span<const char *const> names, const char *name)
 {
     return std::ranges::any_of(names, [name](const char *each) { return strcmp(each, name) == 0; });
 }
 
-/// True for the elements of which only the words are copied; the copy gets a root of its own again.
 bool isLeftOut(const char *element)
 {
-    return !isOneOf(plainElements, element);
+    return isOneOf(leftOutElements, element);
 }
 
 void copyStart(GMarkupParseContext *, const char *element, const char **names, const char **values, gpointer copy,
@@ -77,7 +82,7 @@ void copyStart(GMarkupParseContext *, const char *element, const char **names, c
     auto *text = static_cast<GString *>(copy);
     g_string_append_printf(text, "<%s", element);
     for (guint i = 0; names[i]; i++) {
-        if (!isOneOf(plainAttributes, names[i]))
+        if (isOneOf(leftOutAttributes, names[i]))
             continue;
         g_autofree char *value = g_markup_escape_text(values[i], -1);
         g_string_append_printf(text, " %s=\"%s\"", names[i], value);

@@ -56,8 +56,14 @@ TEST(QuestionText, BlanksAndInvisibleCharactersAreNothingToRead)
 TEST(JoinMarkup, KeepsItsStyleAndMnemonics)
 {
     EXPECT_EQ(markup("<b>Join</b> _us &amp; go"), "<b>Join</b> _us &amp; go");
-    EXPECT_EQ(markup("<span foreground=\"red\" size='large'>x</span>"),
-              "<span foreground=\"red\" size=\"large\">x</span>");
+    EXPECT_EQ(markup("<span weight=\"bold\" style='italic'>x</span>"),
+              "<span weight=\"bold\" style=\"italic\">x</span>");
+}
+
+TEST(JoinMarkup, CanNotHideOrBlowUpItsWords)
+{
+    EXPECT_EQ(markup("<span size='1' alpha='1'>and pay</span>"), "<span>and pay</span>");
+    EXPECT_EQ(markup("<span foreground='#fff' font_desc='0.1'><small>and pay</small></span>"), "<span>and pay</span>");
 }
 
 TEST(JoinMarkup, LinksLoseTheirTargetsAndKeepTheirWords)
