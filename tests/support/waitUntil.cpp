@@ -9,6 +9,7 @@ namespace
 {
 
 constexpr guint tickMs = 5;
+constexpr gint64 longestDrainUs = 2000000;
 
 gboolean keepTicking(gpointer)
 {
@@ -36,6 +37,7 @@ gboolean keepTicking(gpointer)
 
 void drainMainLoop()
 {
-    while (g_main_context_iteration(nullptr, FALSE)) {
+    const gint64 end = g_get_monotonic_time() + longestDrainUs;
+    while (g_main_context_iteration(nullptr, FALSE) && g_get_monotonic_time() < end) {
     }
 }

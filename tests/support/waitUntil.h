@@ -15,5 +15,6 @@ inline constexpr int defaultDeadlineMs = 10000;
                                      const std::function<std::string()> &whatIsSeen = {},
                                      int deadlineMs = defaultDeadlineMs);
 
-/// Runs every callback that is due now, and what those schedule, until nothing is pending.
+/// Runs every callback that is due now, and what those schedule, until nothing is pending; but not for ever: on a slow
+/// machine an animation, such as a file chooser's, always has its next frame due.
 void drainMainLoop();
