@@ -4,6 +4,17 @@ add_library(brindle_options INTERFACE)
 target_compile_options(brindle_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef -Werror)
 target_compile_definitions(brindle_options INTERFACE G_LOG_DOMAIN="brindle-ui")
 
+# What a hostile input would have to get past: addresses that differ each run, a checked stack, tables of addresses that
+# are read-only once the program runs, and checked copies (which need an optimising build).
+include(CheckPIESupported)
+check_pie_supported()
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+add_compile_options(-fstack-protector-strong)
+add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+if(NOT BRINDLE_SANITIZE)
+    add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
+endif()
+
 if(BRINDLE_SANITIZE)
     add_compile_options(-fsanitize=${BRINDLE_SANITIZE} -fno-omit-frame-pointer -O1)
     add_link_options(-fsanitize=${BRINDLE_SANITIZE})
