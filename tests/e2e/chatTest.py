@@ -8,62 +8,21 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-from screen import click, key, sensitive, xdotool  # noqa: E402
-from session import SessionCase, main  # noqa: E402
+from chatPanel import ChatCase  # noqa: E402
+from screen import sensitive  # noqa: E402
+from session import main  # noqa: E402
 from waiting import until  # noqa: E402
 
 PANGRAM = "Zwölf 😀 שלום عليكم 100% %s %n %41"
 
 
-def escaped(text):
-    return "".join(f"%{byte:02X}" for byte in text.encode())
-
-
-class ChatCase(SessionCase):
+class ANewConversation(ChatCase):
     def setUp(self):
         super().setUp()
-        self.session = self.start().ready()
-        self.application = self.session.application
-
-    def open(self):
-        click(self.application.find("push button", "Chat"))
-        self.application.find("text", "Message")
-
-    def receive(self, text, name="Ann"):
-        self.session.send(f"chat {name}\n{escaped(text)}")
-        self.session.settled()  # texts written back to back may be read as one
-
-    def type(self, text, *keys):
-        """Types into the message field with the keyboard and ends with other keys."""
-        click(self.application.find("text", "Message"))
-        self.session.windows.wait_focus("Brindle")
-        key("ctrl+End")  # the pointer may have put the caret before a newline
-        xdotool("type", text)
-        until(lambda: self.field().endswith(text), lambda: f"{text!r} typed; there is {self.field()!r}")
-        for name in keys:
-            key(name)
-
-    def field(self):
-        return self.text_of("Message")
-
-    def conversation(self):
-        return self.text_of("Conversation")
-
-    def text_of(self, name):
-        return Atspi.Text.get_text(self.application.find("text", name), 0, -1)
-
-    def converses(self, text):
-        until(lambda: self.conversation() == text, lambda: f"{text[:300]!r}, not {self.conversation()[:300]!r}")
-
-    def sent(self):
-        return [text for text in self.session.agent.texts if text.startswith(b"chat")]
-
-    def sends(self, *texts):
-        until(lambda: len(self.sent()) >= len(texts), lambda: f"{texts}; the agent received {self.sent()}")
-        self.assertEqual(self.sent(), list(texts))
+        self.begin()
 
 
-class TheCustomer(ChatCase):
+class TheCustomer(ANewConversation):
     def test_sends_with_both_return_keys(self):
         self.open()
         self.type("Hello 50% & more?", "Return")
@@ -97,7 +56,7 @@ class TheCustomer(ChatCase):
         self.converses("\nAnn\none\ntwo\nyou\nthree\n\nAnn\nfour\n\nBob\nfive\n")
 
 
-class AReceivedMessage(ChatCase):
+class AReceivedMessage(ANewConversation):
     def test_opens_the_panel_and_makes_the_transcript_available(self):
         self.assertIsNone(self.application.look("text", "Conversation"))
         self.receive("hello")
@@ -120,7 +79,7 @@ class AReceivedMessage(ChatCase):
         self.assertTrue(Atspi.Text.get_text(view, 0, -1) == f"\nAnn\n{words}\nafter\n")
 
 
-class ABurstOfMessages(ChatCase):
+class ABurstOfMessages(ANewConversation):
     def test_loses_none(self):
         texts = [f"message-{number}" for number in range(2000)]
         with open(self.session.log.path, "rb") as log:

@@ -1,0 +1,90 @@
+"""The chat panel as the customer uses it, and the technician at the other end."""
+
+import os
+import pathlib
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+
+from screen import click, key, xdotool  # noqa: E402
+from session import SessionCase  # noqa: E402
+from waiting import until  # noqa: E402
+
+
+def escaped(text):
+    data = text if isinstance(text, bytes) else text.encode()
+    return "".join(f"%{byte:02X}" for byte in data)
+
+
+class ChatCase(SessionCase):
+    def begin(self, **options):
+        self.use(self.start(**options).ready())
+
+    def use(self, session):
+        self.session = session
+        self.application = session.application
+
+    def open(self):
+        click(self.application.find("push button", "Chat"))
+        self.application.find("text", "Message")
+
+    def receive(self, text, name="Ann"):
+        self.receive_raw(f"{name}\n{escaped(text)}")
+
+    def receive_raw(self, words):
+        """Name and message as they stand on the wire."""
+        self.session.send(b"chat " + (words if isinstance(words, bytes) else words.encode()))
+        self.session.settled()  # texts written back to back may be read as one
+
+    def send_alone(self, text):
+        """A text without a newline at its end. Nothing is written before the program has read it to its end, or it
+        would be taken for a part of it."""
+        before = self.read_ends()
+        self.session.send_raw(text)
+        until(lambda: len(self.read_ends()) == 1 and self.read_ends() != before, "the program waits for the next text")
+
+    def read_ends(self):
+        """Descriptors at which the program reads what the agent writes; each text has one of its own."""
+        found = []
+        for file in pathlib.Path(f"/proc/{self.session.pid}/fd").iterdir():
+            try:
+                if os.readlink(file).endswith("/Status"):
+                    found.append(file.name)
+            except FileNotFoundError:  # closed meanwhile
+                pass
+        return found
+
+    def type(self, text, *keys):
+        """Types into the message field with the keyboard and ends with other keys."""
+        self.take_field()
+        xdotool("type", text)
+        until(lambda: self.field().endswith(text), lambda: f"{text!r} typed; there is {self.field()!r}")
+        for name in keys:
+            key(name)
+
+    def take_field(self):
+        """Puts the caret behind what stands in the message field."""
+        click(self.application.find("text", "Message"))
+        self.session.windows.wait_focus("Brindle")
+        key("ctrl+End")  # the pointer may have put the caret before a newline
+
+    def field(self):
+        return self.text_of("Message")
+
+    def conversation(self):
+        return self.text_of("Conversation")
+
+    def text_of(self, name):
+        return Atspi.Text.get_text(self.application.find("text", name), 0, -1)
+
+    def converses(self, text, seconds=15):
+        until(lambda: self.conversation() == text, lambda: f"{text[:300]!r}, not {self.conversation()[:300]!r}", seconds)
+
+    def sent(self):
+        return [text for text in self.session.agent.texts if text.startswith(b"chat")]
+
+    def sends(self, *texts):
+        until(lambda: len(self.sent()) >= len(texts), lambda: f"{texts}; the agent received {self.sent()}")
+        self.assertEqual(self.sent(), list(texts))
