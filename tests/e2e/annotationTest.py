@@ -6,9 +6,7 @@ import shutil
 import signal
 import time
 
-from Xlib import X
-
-from screen import click, key, sensitive, the_display, xdotool
+from screen import click, colour_at, key, sensitive, xdotool
 from session import SIMULATOR, Home, SessionCase, main
 from waiting import until
 
@@ -112,11 +110,6 @@ class TheOverlay(SessionCase):
         self.assertEqual(self.session.quit(), 0)
         self.gone(overlay, seconds=2)
         self.assertLess(time.monotonic() - start, 2)
-
-
-def colour_at(x, y):
-    blue, green, red, _ = the_display().screen().root.get_image(x, y, 1, 1, X.ZPixmap, 0xFFFFFFFF).data
-    return red, green, blue
 
 
 if __name__ == "__main__":

@@ -170,6 +170,12 @@ def picture(path):
     subprocess.run(["import", "-window", "root", str(path)], check=False, timeout=30)
 
 
+def colour_at(x, y):
+    """Red, green and blue of a point of the screen."""
+    blue, green, red, _ = the_display().screen().root.get_image(x, y, 1, 1, X.ZPixmap, 0xFFFFFFFF).data
+    return red, green, blue
+
+
 class Windows:
     """Top-level windows as the X server knows them."""
 
