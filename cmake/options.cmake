@@ -6,11 +6,8 @@ target_compile_definitions(brindle_options INTERFACE G_LOG_DOMAIN="brindle-ui")
 
 # What a hostile input would have to get past: addresses that differ each run, a checked stack, tables of addresses that
 # are read-only once the program runs, and checked copies (which need an optimising build).
-include(CheckPIESupported)
-check_pie_supported()
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-add_compile_options(-fstack-protector-strong)
-add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+add_compile_options(-fPIE -fstack-protector-strong)
+add_link_options(-pie LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
 if(NOT BRINDLE_SANITIZE)
     add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
 endif()
