@@ -2,8 +2,6 @@
 
 import http.server
 import os
-import pathlib
-import re
 import threading
 
 import gi
@@ -13,7 +11,7 @@ from gi.repository import Atspi  # noqa: E402
 
 from chatPanel import ChatCase  # noqa: E402
 from screen import colour_at, key, picture, place_of, xdotool  # noqa: E402
-from session import PICTURES, SANDBOX, main  # noqa: E402
+from session import PICTURES, SANDBOX, lives, main  # noqa: E402
 from waiting import until  # noqa: E402
 
 LINK = "join now."
@@ -210,16 +208,8 @@ class TheWindow(InvitationCase):
         until(lambda: not self.session.windows.titled(TITLE), "the window goes")
 
     def helpers(self):
-        """Processes of the library that live."""
-        found = []
-        for stat in pathlib.Path("/proc").glob("[0-9]*/stat"):
-            try:
-                name, state, parent = re.match(r"\d+ \((.*)\) (\S) (\d+)", stat.read_text()).groups()
-            except OSError:  # has just gone
-                continue
-            if int(parent) == self.session.pid and name.startswith("WebKit") and state != "Z":
-                found.append(int(stat.parent.name))
-        return found
+        """Processes of the library."""
+        return [process for process, words in self.session.children().items() if "WebKit" in "".join(words[:1])]
 
     def test_shows_the_page_small_and_above_all_others(self):
         window = self.join(self.invite(self.site.address(GREEN), "Ann"))
@@ -273,16 +263,8 @@ class TheWindow(InvitationCase):
         helpers = self.helpers()
         self.assertTrue(helpers)
         self.assertEqual(self.session.quit(), 0)
-        until(lambda: not any(state_of(helper) in "RSD" for helper in helpers), "the library's processes end")
+        until(lambda: not any(map(lives, helpers)), "the library's processes end")
         self.assertEqual(self.session.warnings(), [])
-
-
-def state_of(process):
-    """Letter of a process's state, "Z" when it has gone."""
-    try:
-        return pathlib.Path(f"/proc/{process}/stat").read_text().rsplit(")", 1)[1].split()[0]
-    except OSError:
-        return "Z"
 
 
 if __name__ == "__main__":

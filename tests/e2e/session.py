@@ -57,6 +57,14 @@ def faster_clock(times):
     return {"LD_PRELOAD": str(library), "FAKETIME": f"+0 x{times}", "NO_FAKE_STAT": "1"} if times != 1 else {}
 
 
+def lives(process):
+    """False from its end on, even while nobody has asked for its status."""
+    try:
+        return pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] not in "ZX"
+    except OSError:
+        return False
+
+
 def adopt_orphans():
     """Lets this process wait for grandchildren whose parent has gone."""
     set_child_subreaper = 36
@@ -215,6 +223,18 @@ class Session:
 
     def alive(self):
         return self.process.poll() is None
+
+    def children(self):
+        """Processes that the program has started and that live; with the words of their command lines."""
+        found = {}
+        for folder in pathlib.Path("/proc").glob("[0-9]*"):
+            try:
+                state, parent = (folder / "stat").read_text().rpartition(")")[2].split()[:2]
+                if int(parent) == self.pid and state not in "ZX":
+                    found[int(folder.name)] = (folder / "cmdline").read_bytes().decode(errors="replace").split("\0")[:-1]
+            except OSError:  # has just gone
+                continue
+        return found
 
     def warnings(self):
         """GLib warnings and criticals that the program printed."""
