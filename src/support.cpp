@@ -33,10 +33,14 @@ constexpr gint64 sliceUs = 8000;
 
 /// A callback on its way to the main thread.
 struct Task {
-    GSourceFunc callback;
-    gpointer record;
+    MainCall call;
     Task *next;
 };
+
+void run(const MainCall &call)
+{
+    call.call(call.callback, call.record);
+}
 
 // The callbacks in their order, and whether a source is there to run them; under `tasksMutex`. One source runs them
 // all: an agent may send a hundred thousand lines in one text.
@@ -46,7 +50,7 @@ Task *lastTask = nullptr;
 bool isSourceAttached = false;
 
 /// The next callback; one without a function when there is none, and then the source is to go.
-Task takeTask()
+MainCall takeTask()
 {
     const MutexLock lock(&tasksMutex);
     if (!firstTask) {
@@ -54,12 +58,12 @@ Task takeTask()
         return {};
     }
     Task *const taken = firstTask;
-    const Task task = *taken;
+    const MainCall call = taken->call;
     firstTask = taken->next;
     if (!firstTask)
         lastTask = nullptr;
     g_free(taken);
-    return task;
+    return call;
 }
 
 gboolean runTasks(gpointer)
@@ -67,19 +71,19 @@ gboolean runTasks(gpointer)
     const gint64 end = g_get_monotonic_time() + sliceUs;
     // What is left when the program is to end stays undone.
     while (!quit_requested() && g_get_monotonic_time() < end) {
-        const Task task = takeTask();
-        if (!task.callback)
+        const MainCall next = takeTask();
+        if (!next.callback)
             return G_SOURCE_REMOVE;
-        task.callback(task.record);
+        run(next);
     }
     return G_SOURCE_CONTINUE;
 }
 
 /// True when the caller has to attach the source.
-bool appendTask(GSourceFunc callback, gpointer record)
+bool appendTask(const MainCall &call)
 {
     auto *const task = g_new(Task, 1);
-    *task = {callback, record, nullptr};
+    *task = {call, nullptr};
     const MutexLock lock(&tasksMutex);
     (lastTask ? lastTask->next : firstTask) = task;
     lastTask = task;
@@ -173,13 +177,13 @@ void adopt_main_thread()
     mainThread = g_thread_self();
 }
 
-void run_on_main_untyped(GSourceFunc callback, gpointer record)
+void run_on_main_untyped(const MainCall &call)
 {
     if (g_thread_self() == mainThread) {
-        callback(record);
+        run(call);
         return;
     }
-    if (appendTask(callback, record))
+    if (appendTask(call))
         attachTaskSource();
 }
 

@@ -63,8 +63,14 @@ private:
 /// Makes the calling thread the one that owns the widgets. Thread: main, before anything else of this header.
 void adopt_main_thread();
 
+/// A callback with its record, put aside: `call` knows their types again.
+struct MainCall {
+    void (*call)(void (*callback)(), gpointer record);
+    void (*callback)();
+    gpointer record;
+};
 /// Untyped body of `run_on_main`.
-void run_on_main_untyped(GSourceFunc callback, gpointer record);
+void run_on_main_untyped(const MainCall &call);
 
 /// Runs a one-shot callback with its record on the main thread: at once when called there, else from the main loop,
 /// in the order of the calls. What the callback returns is ignored.
@@ -73,7 +79,10 @@ void run_on_main_untyped(GSourceFunc callback, gpointer record);
 template <class Record>
 void run_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *record)
 {
-    run_on_main_untyped(reinterpret_cast<GSourceFunc>(callback), record);
+    constexpr auto call = [](void (*untyped)(), gpointer data) {
+        reinterpret_cast<gboolean (*)(Record *)>(untyped)(static_cast<Record *>(data));
+    };
+    run_on_main_untyped({call, reinterpret_cast<void (*)()>(callback), record});
 }
 
 /// Schedules a one-shot callback on the main loop even when called on the main thread itself.

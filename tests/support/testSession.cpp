@@ -88,7 +88,9 @@ void WindowSession::TearDown()
     g_autoptr(GList) windows = gtk_window_list_toplevels();
     g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
     for (GList *each = windows; each; each = each->next) {
-        gtk_widget_destroy(GTK_WIDGET(each->data));
+        // The toolkit keeps its own, such as the one of the tooltips.
+        if (gtk_window_get_window_type(GTK_WINDOW(each->data)) == GTK_WINDOW_TOPLEVEL)
+            gtk_widget_destroy(GTK_WIDGET(each->data));
         g_object_unref(each->data);
     }
     drainMainLoop();
