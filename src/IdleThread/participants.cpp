@@ -137,6 +137,7 @@ void addRow(MainWindow *mainwindow, const ParticipantLine &line)
     const bool hasMenu = g_ascii_strcasecmp(mainwindow->urs, sessionWithoutMenus) != 0;
     if (hasMenu && mainwindow->isSwapScreenAllowed)
         addRowMenu(mainwindow, row, cursor, line);
+    gtk_widget_show_all(row); // and not all rows: each walk over them would make many participants slow
 }
 
 void openHeader(CustomExpander *header)
@@ -226,7 +227,7 @@ gboolean AddParticipants(MainWindow *mainwindow)
     const ParticipantLine line = takeMailbox(mainwindow);
     if (line.id) {
         addRow(mainwindow, line);
-        gtk_widget_show_all(contentOf(mainwindow));
+        gtk_widget_show(contentOf(mainwindow));
         gtk_widget_hide(mainwindow->participants->textBar);
         openHeader(mainwindow->participantsExpander);
         mainwindow->noParticipants++;
