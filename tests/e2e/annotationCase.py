@@ -74,7 +74,7 @@ class AnnotationCase(SessionCase):
         return all(sensitive(self.tool(name)) for name in TOOLS)
 
     def drag(self, start, *steps):
-        """Drags the pointer; each step is a point and where there is ink once the overlay has seen the pointer there."""
+        """Drags the pointer; each step is a point, and where there is ink once the overlay has seen it there."""
         xdotool("mousemove", *start, "mousedown", 1)
         try:
             for point, *traces in steps:

@@ -12,6 +12,7 @@ from waiting import until
 
 # Notes how it was called and every command, and reports back after each but the last.
 RECORDER = """#!/bin/bash
+unset LD_PRELOAD  # its commands need no other clock
 printf '%s|' "$@" >{folder}/arguments
 until [ "$command" = Exit ]; do
   command=$(cat "$8"; printf .)

@@ -66,7 +66,7 @@ class InvitationCase(ChatCase):
         """The agent invites; gives the place of the link's first character in the conversation."""
         count = self.conversation().count(LINK)
         self.session.send(b" ".join([b"AR_SESSION", *(os.fsencode(word) for word in words)]))
-        until(lambda: self.conversation().count(LINK) > count, lambda: f"an invitation; there is {self.conversation()!r}")
+        until(lambda: self.conversation().count(LINK) > count, lambda: f"an invitation, not {self.conversation()!r}")
         return self.conversation().rindex(LINK)
 
     def click_on(self, offset, *arguments):
@@ -146,7 +146,8 @@ class TheLink(InvitationCase):
     def test_takes_names_and_addresses_as_words(self):
         for words, name in (((), "The Technician"), (("http://one/",), "The Technician"),
                             (("", ""), "The Technician"), (("%s%n%99999d", "%s%n<b>&"), "%s%n<b>&"),
-                            (("\udcff\udcfe", "A\udcffnn"), "A\ufffdnn"), (("http://one/", "Ann", "of", "Ostrel"), "Ann"),
+                            (("\udcff\udcfe", "A\udcffnn"), "A\ufffdnn"),
+                            (("http://one/", "Ann", "of", "Ostrel"), "Ann"),
                             (("x" * 100_000, "Ann%20B"), "Ann%20B")):
             with self.subTest(str(words)[:50]):
                 before = len(self.conversation())

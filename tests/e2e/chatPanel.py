@@ -35,7 +35,7 @@ class ChatCase(SessionCase):
 
     def receive_raw(self, words):
         """Name and message as they stand on the wire."""
-        self.session.send(b"chat " + (words if isinstance(words, bytes) else words.encode()))
+        self.session.send_raw(b"chat " + (words if isinstance(words, bytes) else words.encode()) + b"\n")
         self.session.settled()  # texts written back to back may be read as one
 
     def send_alone(self, text):
@@ -79,8 +79,8 @@ class ChatCase(SessionCase):
     def text_of(self, name):
         return Atspi.Text.get_text(self.application.find("text", name), 0, -1)
 
-    def converses(self, text, seconds=15):
-        until(lambda: self.conversation() == text, lambda: f"{text[:300]!r}, not {self.conversation()[:300]!r}", seconds)
+    def converses(self, text):
+        until(lambda: self.conversation() == text, lambda: f"{text[:300]!r}, not {self.conversation()[:300]!r}")
 
     def sent(self):
         return [text for text in self.session.agent.texts if text.startswith(b"chat")]

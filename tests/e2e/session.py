@@ -40,6 +40,7 @@ exit "$order"
 """
 
 _ANNOTATION = """#!/bin/sh
+unset LD_PRELOAD
 while [ $# -gt 1 ]; do
   [ "$1" = -i ] && commands=$2
   shift

@@ -212,14 +212,15 @@ class TheFile(TranscriptCase):
         # root loses what lifts it above the rights of files
         ordinary = ["setpriv", "--bounding-set=-dac_override,-dac_read_search"] if os.geteuid() == 0 else []
         self.begin(wrapper=ordinary)
-        self.addCleanup(lambda: [self.session.home.path.joinpath(name).chmod(0o755) for name in ("r", "w")])
         for name, mode in (("r", 0o555), ("w", 0o333)):
             with self.subTest(oct(mode)):
                 before = self.session.log.count("You Dont Have access")
                 folder = self.folder(name, mode)
+                self.addCleanup(folder.chmod, 0o755)
                 self.save(folder)
                 self.session.log.expect("You Dont Have access", before + 1)
                 self.application.has_label(NO_RIGHTS)
+                folder.chmod(0o755)
                 self.assertEqual(os.listdir(folder), [])
         self.can_still_be_saved()
 
