@@ -1,17 +1,18 @@
 """The inbound way under load: many texts, and many lines in one text."""
 
-import contextlib
 import dataclasses
 import os
 import statistics
 import subprocess
 import time
 
+from processes import session
 from table import Row, at_most
 
 _TEXTS = 20000
 _LINES = 100000
-_SPEED_LIMIT = 2.0  # times as long as the flushed log writes alone
+_GROW_ROUNDS = 3
+SPEED_LIMIT = 2.0  # times as long as the flushed log writes alone
 _MEMORY_LIMIT = 1.10
 
 
@@ -30,15 +31,6 @@ _KINDS = (
 )
 
 
-@contextlib.contextmanager
-def _session(home, display):
-    display.forget()
-    with home.start("normal") as process:
-        display.wait_for_map()
-        process.settle()
-        yield process
-
-
 def _write_texts(home, fifo):
     """Writes the texts back to back. Gives (writes that failed, seconds)."""
     output = subprocess.run([home.reference("textWriter"), fifo, str(_TEXTS), "sessionStatus text"], check=True,
@@ -48,7 +40,7 @@ def _write_texts(home, fifo):
 
 def _texts_to_ours(home, display):
     """Gives (failed, seconds until all are dispatched, lost)."""
-    with _session(home, display):
+    with session(home, display):
         start = time.monotonic()
         failed, _ = _write_texts(home, home.pipes / "Status")
         home.send("sessionStatus last\n")
@@ -87,18 +79,18 @@ def texts(home, display, runs):
     ]
 
 
-def _send_lines(home, kind, number):
+def _send_lines(home, kind, number, count=_LINES):
     """Sends the lines in one text. Gives the seconds until the last one is dispatched."""
-    text = f"{kind.line}\n" * _LINES + f"sessionStatus end{number}\n"
+    text = f"{kind.line}\n" * count + f"sessionStatus end{number}\n"
     start = time.monotonic()
     home.send(text)
     return home.wait_for_log(f"Unhandled message  end{number}") - start
 
 
-def _write_log(home, kind):
+def _write_log(home, kind, count=_LINES):
     """Gives the seconds that the same log lines take on their own."""
     pairs = [text for pair in kind.logged for text in pair]
-    output = subprocess.run([home.reference("logWriter"), home.logs, str(_LINES), *pairs], check=True,
+    output = subprocess.run([home.reference("logWriter"), home.logs, str(count), *pairs], check=True,
                             stdout=subprocess.PIPE, text=True, timeout=300).stdout
     (home.logs / "reference.log").unlink()
     return float(output)
@@ -112,7 +104,7 @@ def _check_log(home, kind, rounds):
 
 
 def _time_lines(home, display, kind, runs):
-    with _session(home, display) as process:
+    with session(home, display) as process:
         before = process.memory()
         times = [(_send_lines(home, kind, number), _write_log(home, kind)) for number in range(runs)]
         process.settle()
@@ -121,12 +113,22 @@ def _time_lines(home, display, kind, runs):
     return times, before, after
 
 
+def grow(home, counts):
+    """(lines, seconds) of the running program, and of the log writes alone, one text for each count."""
+    def median(measure):
+        return [(count, statistics.median(measure(count, number) for number in range(_GROW_ROUNDS))) for count in counts]
+
+    kind = _KINDS[0]
+    return (median(lambda count, number: _send_lines(home, kind, f"{count}Of{number}", count)),
+            median(lambda count, _: _write_log(home, kind, count)))
+
+
 def lines(home, display, runs):
     rows = []
     for kind in _KINDS:
         times, before, after = _time_lines(home, display, kind, min(runs, 5))
         name = f'{_LINES} lines "{kind.line}"'
-        rows.append(at_most(f"{name}, log writes alone", *zip(*times), _SPEED_LIMIT, "s", 2))
+        rows.append(at_most(f"{name}, log writes alone", *zip(*times), SPEED_LIMIT, "s", 2))
         rows.append(at_most(f"{name}, private memory after and before", [after[1] / 1024], [before[1] / 1024],
                             _MEMORY_LIMIT, "MiB"))
     return rows

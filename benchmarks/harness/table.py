@@ -26,11 +26,42 @@ def at_most(measure, ours, reference, limit, unit, digits=1):
                f"<= {limit:.2f}" if limit else "", ratio <= limit if limit else None)
 
 
+def at_most_more(measure, ours, reference, limit, unit, digits=1):
+    """A row of two medians of which ours may be so much more."""
+    row = at_most(measure, ours, reference, None, unit, digits)
+    row.limit = f"<= +{limit} {unit}"
+    row.holds = statistics.median(ours) - statistics.median(reference) <= limit
+    return row
+
+
+def below(measure, value, limit, unit, digits=1):
+    """A row of a value that has a limit of its own."""
+    return Row(measure, f"{value:.{digits}f} {unit}", limit=f"<= {limit} {unit}", holds=value <= limit)
+
+
+_HEADINGS = ("measure", "ours", "reference", "ratio", "limit", "")
+
+
+def _cells(rows):
+    return [(row.measure, row.ours, row.reference, row.ratio, row.limit, row.verdict) for row in rows]
+
+
 def show(rows):
-    cells = [("measure", "ours", "reference", "ratio", "limit", "")]
-    cells += [(row.measure, row.ours, row.reference, row.ratio, row.limit, row.verdict) for row in rows]
-    widths = [max(len(line[column]) for line in cells) for column in range(len(cells[0]))]
+    cells = [_HEADINGS, *_cells(rows)]
+    widths = [max(len(line[column]) for line in cells) for column in range(len(_HEADINGS))]
     for number, line in enumerate(cells):
         print("  ".join(text.ljust(width) for text, width in zip(line, widths)).rstrip())
         if number == 0:
             print("  ".join("-" * width for width in widths))
+
+
+_BEGIN, _END = "<!-- table -->\n", "<!-- end of the table -->\n"
+
+
+def replace_in(page, rows):
+    """Puts the rows in the place of the table between the two marks of a page."""
+    before, rest = page.read_text().split(_BEGIN)
+    _, after = rest.split(_END)
+    lines = [_HEADINGS, ("---",) * len(_HEADINGS), *_cells(rows)]
+    table = "".join(f"| {' | '.join(line)} |\n" for line in lines)
+    page.write_text(f"{before}{_BEGIN}\n{table}\n{_END}{after}")

@@ -2,16 +2,16 @@
 
 import os
 import re
-import statistics
 import subprocess
 import time
 
 from processes import START_DELAY, Inbox, Process, until
-from table import Row, at_most
+from table import Row, at_most, at_most_more
 
 _START_LIMIT = 1.10
 _MEMORY_LIMIT = 1.15
 _CLICK_LIMIT_MS = 1
+_FEWEST_CLICKS = 5
 _LAST_TIMER_SECONDS = 18  # GTK's own one-off timers of a new window are over then
 _REST_SECONDS = 20
 _LIVENESS_SECONDS = 15
@@ -146,7 +146,8 @@ def _click_ours(home, display, runs):
             return _click_times(display, window, inbox, runs, answer)
 
 
-def _click_reference(home, display, runs):
+def click_reference(home, display, runs):
+    """Milliseconds from each click on a button to the line that its handler writes in a bare open-write-close."""
     fifo = home.path / "clicks"
     os.mkfifo(fifo)
     display.forget()
@@ -160,12 +161,10 @@ def _click_reference(home, display, runs):
 
 def click(home, display, runs):
     ours, reference = [], []
-    for _ in range(3):
-        ours += _click_ours(home, display, runs)
-        reference += _click_reference(home, display, runs)
-    ours, reference = statistics.median(ours), statistics.median(reference)
-    return [Row("click to line, bare write", f"{ours:.2f} ms", f"{reference:.2f} ms", f"{ours / reference:.3f}",
-                f"<= +{_CLICK_LIMIT_MS} ms", ours - reference <= _CLICK_LIMIT_MS)]
+    for _ in range(min(runs, 3)):
+        ours += _click_ours(home, display, max(runs, _FEWEST_CLICKS))
+        reference += click_reference(home, display, max(runs, _FEWEST_CLICKS))
+    return [at_most_more("click to line, bare write", ours, reference, _CLICK_LIMIT_MS, "ms", 2)]
 
 
 def _count_instructions(home, display, name, start):
