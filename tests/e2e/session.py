@@ -120,18 +120,19 @@ class Home:
         send_text(self._agent_folder / "order", f"{order}\n")
 
     def remove(self):
-        for start in self.agent_starts():
-            _kill_agent(int(start[0]), self._agent_folder)
+        _kill_left_over(self.path)
         shutil.rmtree(self.path, ignore_errors=True)
 
 
-def _kill_agent(process, folder):
-    """Kills an agent that is left over, if the process is still that agent."""
-    try:
-        if str(folder.parent).encode() in pathlib.Path(f"/proc/{process}/cmdline").read_bytes():
-            os.kill(process, signal.SIGKILL)
-    except (FileNotFoundError, ProcessLookupError):
-        pass
+def _kill_left_over(folder):
+    """Kills what still runs with a folder of this test in its command line: an agent, or a command that waits for a pipe
+    which has gone."""
+    for words in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+        try:
+            if str(folder).encode() in words.read_bytes():
+                os.kill(int(words.parent.name), signal.SIGKILL)
+        except OSError:  # has just gone, or is somebody else's
+            continue
 
 
 class Session:
