@@ -1,6 +1,7 @@
 """The table that a run prints: one row a measure."""
 
 import dataclasses
+import os
 import statistics
 
 
@@ -59,9 +60,10 @@ _BEGIN, _END = "<!-- table -->\n", "<!-- end of the table -->\n"
 
 
 def replace_in(page, rows):
-    """Puts the rows in the place of the table between the two marks of a page."""
+    """Puts the rows, and how busy the machine was, in the place of what stands between the two marks of a page."""
     before, rest = page.read_text().split(_BEGIN)
     _, after = rest.split(_END)
     lines = [_HEADINGS, ("---",) * len(_HEADINGS), *_cells(rows)]
     table = "".join(f"| {' | '.join(line)} |\n" for line in lines)
-    page.write_text(f"{before}{_BEGIN}\n{table}\n{_END}{after}")
+    load = f"{os.cpu_count()} processors; average load of the last 15 minutes: {os.getloadavg()[2]:.1f}."
+    page.write_text(f"{before}{_BEGIN}\n{table}\n{load}\n\n{_END}{after}")
