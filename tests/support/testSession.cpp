@@ -7,6 +7,7 @@
 #include "src/sessionState.h"
 #include "src/support.h"
 #include "src/Utils/Utils.h"
+#include "tests/support/lastingRecord.h"
 
 #include <filesystem>
 
@@ -42,9 +43,8 @@ void TestSession::SetUp()
     m_argv.push_back(nullptr);
 
     adopt_main_thread();
-    // Not freed: as in the program, what a thread may still reach stays.
-    mainWindow = g_new0(MainWindow, 1);
-    chatWindow = g_new0(ChatWindow, 1);
+    mainWindow = newLastingRecord<MainWindow>();
+    chatWindow = newLastingRecord<ChatWindow>();
     initializeVariables(mainWindow);
     argumentParser(static_cast<int>(m_arguments.size()), m_argv.data(), mainWindow);
     chatWindow->sessionType = mainWindow->urs;

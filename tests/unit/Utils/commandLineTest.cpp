@@ -3,6 +3,7 @@
 #include "src/Utils/installLayout.h"
 
 #include "src/sessionState.h"
+#include "tests/support/lastingRecord.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ protected:
         for (std::string &argument : m_arguments)
             m_argv.push_back(argument.data());
         m_argv.push_back(nullptr);
-        m_window = new MainWindow();
+        m_window = newLastingRecord<MainWindow>();
         initializeVariables(m_window);
         argumentParser(static_cast<int>(m_arguments.size()), m_argv.data(), m_window);
         return *m_window;

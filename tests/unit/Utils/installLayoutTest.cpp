@@ -5,6 +5,7 @@
 #include "Logger/logger.h"
 #include "src/Utils/pipeTransport.h"
 #include "src/sessionState.h"
+#include "tests/support/lastingRecord.h"
 #include "tests/support/logFile.h"
 #include "tests/support/temporaryFolder.h"
 #include "tests/unit/main/privateSystem.h"
@@ -55,7 +56,7 @@ protected:
     void SetUp() override
     {
         row = GetParam();
-        window = new MainWindow();
+        window = newLastingRecord<MainWindow>();
         initializeVariables(window);
         m_home = expand(row.home);
         window->homeDir = m_home.c_str();
@@ -192,6 +193,7 @@ TEST_P(InstallLayouts, EveryPictureOfTheWindowHasItsFile)
 TEST_P(InstallLayouts, CloudProductsHaveTheirOwnLogo)
 {
     for (const char *const code : {"FLEET_CLOUD", "REACH_CLOUD"}) {
+        SetUp();
         window->productName = code;
         g_autofree char *css = nullptr;
         g_autofree char *locale = nullptr;

@@ -2,6 +2,7 @@
 
 #include "src/sessionState.h"
 
+#include "tests/support/lastingRecord.h"
 #include "tests/support/testSession.h"
 
 #include <gtest/gtest.h>
@@ -12,12 +13,13 @@ namespace
 /// A record in which nothing has its default.
 MainWindow *newFilledRecord()
 {
-    auto *const window = new MainWindow();
+    auto *const window = newLastingRecord<MainWindow>();
     window->rolechange = "1";
     window->homeDir = "/home/x";
     window->productName = "x";
+    static char name[] = "Ann";
     window->clip_agent_text = g_strdup("copied");
-    window->Techname = g_strdup("Ann");
+    window->Techname = name;
     window->StartButtonState = 2;
     window->noParticipants = 3;
     window->isConnected = window->dialogChecker = window->allowClipboardAlways = true;
@@ -50,7 +52,7 @@ TEST(SessionDefaults, NobodyIsThereAndNothingIsPending)
 
 TEST(SessionDefaults, EveryFeatureIsAllowed)
 {
-    auto *const window = new MainWindow();
+    auto *const window = newLastingRecord<MainWindow>();
     initializeVariables(window);
     for (const std::atomic<bool> *const allowed :
          {&window->isClipBoardAllowed, &window->isAnnotationAllowed, &window->isSwapScreenAllowed,
@@ -60,18 +62,18 @@ TEST(SessionDefaults, EveryFeatureIsAllowed)
 
 TEST(SessionDefaults, WorkersMayRun)
 {
-    MainWindow window = {};
+    auto *const window = newLastingRecord<MainWindow>();
     g_threadChecker = false;
-    initializeVariables(&window);
+    initializeVariables(window);
     EXPECT_TRUE(g_threadChecker);
 }
 
 TEST(SessionDefaults, TheRegistryOfDialogsHoldsItsOneLastingEntry)
 {
-    MainWindow window = {};
-    initializeVariables(&window);
-    ASSERT_EQ(g_list_length(window.active_dialogs), 1u);
-    EXPECT_STREQ(static_cast<const char *>(window.active_dialogs->data), "test");
+    auto *const window = newLastingRecord<MainWindow>();
+    initializeVariables(window);
+    ASSERT_EQ(g_list_length(window->active_dialogs), 1u);
+    EXPECT_STREQ(static_cast<const char *>(window->active_dialogs->data), "test");
 }
 
 TEST(SessionQueues, GiveTextsInTheOrderInWhichTheyCame)
