@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -51,14 +52,29 @@ bool makeFolder(const char *path)
     return false;
 }
 
-/// Not through a link: somebody may have put one there meanwhile, and the program may run as root.
-void giveFolder(const char *path, const char *user)
+void giveFolder(int folder, const char *user)
 {
     const struct passwd *account = getpwnam(user);
     if (!account)
         fprintf(stderr, "create_download_folder: user '%s' not found\n", user);
-    else if (lchown(path, account->pw_uid, account->pw_gid) != 0 && errno != EPERM && errno != EACCES)
+    else if (fchown(folder, account->pw_uid, account->pw_gid) != 0 && errno != EPERM && errno != EACCES)
         perror("chown");
+}
+
+/// The rights of a new folder, whatever the process leaves out of those of its own files, and its owner. Works on the
+/// folder itself, not on what a link in its place points at: somebody may have put one there meanwhile, and the program
+/// may run as root.
+void setUpFolder(const char *path, const char *user)
+{
+    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder < 0) {
+        perror("open");
+        return;
+    }
+    if (fchmod(folder, folderMode) != 0)
+        perror("chmod");
+    giveFolder(folder, user);
+    close(folder);
 }
 } // namespace
 
@@ -71,6 +87,6 @@ char *create_download_folder(const char *path, const char *user)
     if (found == Found::unusable || (found == Found::nothing && !makeFolder(path)))
         return nullptr;
     if (found == Found::nothing)
-        giveFolder(path, user);
+        setUpFolder(path, user);
     return g_strdup(path);
 }

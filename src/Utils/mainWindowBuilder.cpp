@@ -82,10 +82,12 @@ void setReachTexts(GtkWidget *window)
 }
 
 /// Without its picture the window has none; with no error to fill in, GTK would complain on standard error.
+/// A picture that can't be read leaves the window without one.
 void setIcon(GtkWidget *window, const char *path)
 {
-    g_autoptr(GError) ignored = nullptr;
-    gtk_window_set_icon_from_file(GTK_WINDOW(window), path, &ignored);
+    gtk_window_set_icon_from_file(GTK_WINDOW(window), path, nullptr);
+    // For questions: most have no parent to take one from.
+    gtk_window_set_default_icon_from_file(path, nullptr);
 }
 
 void buildWindow(MainWindow *mainwindow)
