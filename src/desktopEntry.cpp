@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 
 namespace
 {
@@ -41,23 +40,40 @@ EntryPaths findPaths(const char *name, const MainWindow *mainWindow)
     return paths;
 }
 
+/// Unlike system() it lets SIGINT and SIGQUIT through: one that came meanwhile would be lost.
+bool updateDatabase()
+{
+    const char *const arguments[] = {"/bin/sh", "-c", updateCommand, nullptr};
+    int status = 0;
+    return g_spawn_sync(nullptr, const_cast<char **>(arguments), nullptr, G_SPAWN_CHILD_INHERITS_STDIN, nullptr,
+                        nullptr, nullptr, nullptr, &status, nullptr) &&
+           status == 0;
+}
+
+/// False also when there is no room for the whole entry.
+bool writeEntry(const EntryPaths &paths, const MainWindow *mainWindow)
+{
+    FILE *const file = fopen(paths.entry, "we");
+    if (!file)
+        return false;
+    const int written = fprintf(
+        file, "[Desktop Entry]\nVersion=1.0\nName=%s\nIcon=%s\nTerminal=false\nType=Application\nCategories=Utility;\n",
+        mainWindow->productWindowTitle, paths.icon);
+    return fclose(file) == 0 && written >= 0;
+}
+
 } // namespace
 
 void create_desktop_file(const char *name, const MainWindow *mainWindow)
 {
     UI_ENTER();
-    if (system(updateCommand) != 0)
+    if (!updateDatabase())
         UI_DEBUG("the desktop database was not updated");
     const EntryPaths paths = findPaths(name, mainWindow);
-    FILE *const file = fopen(paths.entry, "we");
-    if (!file) {
+    if (!writeEntry(paths, mainWindow)) {
         UI_ERROR("Could not create desktop file: %s", paths.entry);
         return;
     }
-    fprintf(file,
-            "[Desktop Entry]\nVersion=1.0\nName=%s\nIcon=%s\nTerminal=false\nType=Application\nCategories=Utility;\n",
-            mainWindow->productWindowTitle, paths.icon);
-    fclose(file);
     UI_INFO("Created .desktop file at: %s\n", paths.entry);
 }
 
