@@ -18,8 +18,10 @@
 #include <X11/Xlib.h>
 
 #include <malloc.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 namespace
 {
@@ -285,6 +287,16 @@ void shutDown()
     freeResource();
 }
 
+// ------------------------------------------------------------------------------------------------------ a lost display
+
+/// The toolkit can do nothing any more, and Xlib ends the process: only the log and the file system are left.
+int leaveLostDisplay(Display *)
+{
+    UI_INFO_AS("main", "the display has gone");
+    removeTraces();
+    _exit(EXIT_FAILURE);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -298,6 +310,7 @@ int main(int argc, char **argv)
     session.mainWindow->clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
     if (!registerOnlyInstance(&session.application))
         return 0;
+    XSetIOErrorHandler(leaveLostDisplay);
     openLogAndChannel();
     openWindow();
     startThreads();
