@@ -82,12 +82,14 @@ void setReachTexts(GtkWidget *window)
 }
 
 /// Without its picture the window has none; with no error to fill in, GTK would complain on standard error.
-/// A picture that can't be read leaves the window without one.
+/// Also for questions: most have no parent to take it from. A picture that can't be read leaves all without one.
 void setIcon(GtkWidget *window, const char *path)
 {
-    gtk_window_set_icon_from_file(GTK_WINDOW(window), path, nullptr);
-    // For questions: most have no parent to take one from.
-    gtk_window_set_default_icon_from_file(path, nullptr);
+    g_autoptr(GdkPixbuf) icon = gdk_pixbuf_new_from_file(path, nullptr);
+    if (!icon)
+        return;
+    gtk_window_set_icon(GTK_WINDOW(window), icon);
+    gtk_window_set_default_icon(icon);
 }
 
 void buildWindow(MainWindow *mainwindow)
