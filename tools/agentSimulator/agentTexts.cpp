@@ -2,14 +2,20 @@
 
 #include "agentSimulator/agentTexts.h"
 
+#include "agentSimulator/lineTable.h"
 #include "agentSimulator/wireText.h"
 
 namespace agentSimulator
 {
 
+// The companion looks every line of a text up in its table, so a message that a technician begins with such a word must
+// not look like it.
 std::string chatText(std::string_view name, std::string_view message)
 {
-    return "chat " + std::string(name) + "\n" + percentEncode(message);
+    std::string encoded = percentEncode(message);
+    if (beginsWithKeyword(encoded))
+        encoded.replace(0, 1, percentEncodeAll(encoded.substr(0, 1)));
+    return "chat " + std::string(name) + "\n" + encoded;
 }
 
 std::string participantAddText(std::string_view identifier, std::string_view name, std::string_view flag)

@@ -6,7 +6,8 @@
 namespace agentSimulator
 {
 
-/// A chat message: the sender's name, a newline, the message percent-encoded. No newline ends it.
+/// A chat message: the sender's name, a newline, the message percent-encoded. No newline ends it. A message that begins
+/// with a keyword is shown, not obeyed.
 std::string chatText(std::string_view name, std::string_view message);
 
 /// The session status lines about people; names are percent-encoded, identifiers and flags stay as they are.

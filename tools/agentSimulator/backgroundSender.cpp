@@ -76,6 +76,18 @@ void BackgroundSender::setAnswering(bool answering)
     m_answering = answering;
 }
 
+bool BackgroundSender::isPinging()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_nextPing.has_value();
+}
+
+bool BackgroundSender::isAnswering()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_answering;
+}
+
 void BackgroundSender::noteReceived(std::string_view line)
 {
     const Answer *const answer = answerTo(line);

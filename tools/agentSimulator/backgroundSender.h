@@ -36,6 +36,8 @@ public:
     void startPings(std::chrono::milliseconds period); ///< the first one at once
     void stopPings();
     void setAnswering(bool answering);
+    bool isPinging();
+    bool isAnswering();
     void noteReceived(std::string_view line); ///< to be called for every received line
 
 private:

@@ -1,24 +1,27 @@
 // The two command lines. As an agent the simulator gets the fixed list that the companion passes to its agent, where
-// there is no room for anything of our own, so script, record and status come from the environment.
+// there is no room for anything of our own, so script, record, status and console come from the environment.
 
 #include "agentSimulator/options.h"
 
+#include "agentSimulator/session.h"
 #include "agentSimulator/wireText.h"
 
 #include <cstddef>
+#include <cstdio>
 
 namespace agentSimulator
 {
 
-const char *const usageText =
+namespace
+{
+
+constexpr char usageText[] =
     "Usage: agentSimulator --pipes DIR [--script FILE] [--record FILE] [--create-pipes]\n"
     "                      [--send-timeout MS] [--run CMD ARGS...]\n"
     "       agentSimulator -productType true ... -applicationPath HOME ...\n"
     "Plays the agent's side of the pipes in DIR (second form, as the companion starts it: HOME/.brindle/temp;\n"
-    "BRINDLE_AGENT_SCRIPT, BRINDLE_AGENT_RECORD and BRINDLE_AGENT_EXIT name script, record and exit status).\n";
-
-namespace
-{
+    "BRINDLE_AGENT_SCRIPT, BRINDLE_AGENT_RECORD and BRINDLE_AGENT_EXIT name script, record and exit status).\n"
+    "technicianConsole takes the same arguments, and takes over where BRINDLE_AGENT_CONSOLE is 1.\n";
 
 std::string textOf(const char *value)
 {
@@ -47,6 +50,7 @@ ParsedOptions parseAgentForm(const std::vector<std::string> &arguments, const En
     options.pipeDirectory = (home ? *home : textOf(environment("HOME"))) + "/.brindle/temp";
     options.scriptPath = textOf(environment("BRINDLE_AGENT_SCRIPT"));
     options.recordPath = textOf(environment("BRINDLE_AGENT_RECORD"));
+    options.wantsConsole = textOf(environment("BRINDLE_AGENT_CONSOLE")) == "1";
     const std::string status = textOf(environment("BRINDLE_AGENT_EXIT"));
     if (status.empty())
         return parsed;
@@ -121,6 +125,17 @@ ParsedOptions parseOptions(const std::vector<std::string> &arguments, const Envi
     if (parsed.error.empty() && parsed.options.pipeDirectory.empty())
         parsed.error = "--pipes DIR is missing";
     return parsed;
+}
+
+int refuseOptions(const ParsedOptions &parsed)
+{
+    if (parsed.options.wantsHelp) {
+        fputs(usageText, stdout);
+        return 0;
+    }
+    fprintf(stderr, "%s: %s\n%s", parsed.options.arguments.empty() ? "" : parsed.options.arguments[0].c_str(),
+            parsed.error.c_str(), usageText);
+    return badUsageStatus;
 }
 
 } // namespace agentSimulator

@@ -20,6 +20,7 @@ struct Options {
     std::optional<int> exitStatus = {};             ///< end with it as soon as the script is over
     long sendTimeoutMs = 10000;                     ///< how long a text waits for its reader
     bool wantsHelp = false;
+    bool wantsConsole = false; ///< the technician console takes over
 };
 
 struct ParsedOptions {
@@ -31,9 +32,11 @@ struct ParsedOptions {
 using Environment = std::function<const char *(const char *name)>;
 
 /// Reads either form of the command line: the agent's fixed one (first argument "-productType"), which takes the rest
-/// from the environment, or the one for people (see usageText).
+/// from the environment, or the one for people (see refuseOptions).
 ParsedOptions parseOptions(const std::vector<std::string> &arguments, const Environment &environment);
 
-extern const char *const usageText;
+/// Tells a person how the program is called, because it was asked for or because the command line is no good.
+/// Returns the program's exit status.
+int refuseOptions(const ParsedOptions &parsed);
 
 } // namespace agentSimulator

@@ -21,7 +21,7 @@ struct Stage {
     Inbox &inbox;
     BackgroundSender &background;
     Ending &ending;
-    int inputDescriptor = STDIN_FILENO; ///< where "interactive" reads lines
+    int inputDescriptor = STDIN_FILENO; ///< where "interactive" reads lines; -1: nowhere, it lasts until the end
     std::string baseDirectory = {};     ///< relative paths of "sendfile" start here; empty: the working directory
 };
 
@@ -36,13 +36,14 @@ public:
     void play(const std::vector<Command> &commands);
     /// Takes lines from the input until it ends or the session does.
     void playInput();
+    /// One typed line: a command, or else a line that is sent as it stands.
+    void playTyped(const std::string &line);
 
     int failures() const { return m_failures; }         ///< expectations not met and texts not sent
     bool hasInputEnded() const { return m_inputEnded; } ///< the person at the keyboard has left
 
 private:
     void playOne(const Command &command);
-    void playTyped(const std::string &line);
     void send(const std::string &text);
     void sendFile(const std::string &path);
     void expect(const Command &command);

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <utility>
 
 namespace agentSimulator
 {
@@ -45,8 +46,9 @@ std::string formatRecordLine(std::int64_t elapsedMs, char mark, std::string_view
     return lead + escapeForRecord(content) + "\n";
 }
 
-Recorder::Recorder(const std::string &path)
-    : m_path(path), m_file(openRecord(path)), m_echo(path.empty() || isatty(STDOUT_FILENO) == 1)
+Recorder::Recorder(const std::string &path, Observer observer)
+    : m_path(path), m_file(openRecord(path)), m_echo(path.empty() || isatty(STDOUT_FILENO) == 1),
+      m_observer(std::move(observer))
 {
 }
 
@@ -70,6 +72,8 @@ void Recorder::write(char mark, std::string_view content)
         writeAll(m_file.get(), line);
     if (m_echo)
         writeAll(STDOUT_FILENO, line);
+    if (m_observer)
+        m_observer({elapsedMs, mark, std::string(content)});
 }
 
 } // namespace agentSimulator

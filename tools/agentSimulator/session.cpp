@@ -1,16 +1,12 @@
-// Puts a session together: record, script, pipes, threads, companion; then plays and takes everything down again.
-//
-// Threads: the caller's plays the script; one reads the companion's texts, records them and hands their lines to the
-// script and to the answers; one sends pings and answers; one watches signals and the companion. All end when the
-// end is asked for, and all are joined.
+// Puts a session together: record, script, pipes, companion; then has it played and takes everything down again.
 
 #include "agentSimulator/session.h"
 
 #include "agentSimulator/childProcess.h"
+#include "agentSimulator/inbox.h"
+#include "agentSimulator/liveSession.h"
 #include "agentSimulator/options.h"
 #include "agentSimulator/player.h"
-#include "agentSimulator/processWatch.h"
-#include "agentSimulator/wireText.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -18,7 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <thread>
+#include <utility>
 
 namespace agentSimulator
 {
@@ -26,15 +22,17 @@ namespace agentSimulator
 namespace
 {
 
-ParsedScript loadScript(const std::string &path)
+LoadedScript loadScript(const std::string &path)
 {
     if (path.empty())
         return {};
     std::ifstream file(path, std::ios::binary);
     if (!file.is_open())
-        return {{}, strerror(errno)};
+        return {{}, {{}, strerror(errno)}};
     // Read whole before the first command: a script may replace its own file for the next start.
-    return parseScript(std::string(std::istreambuf_iterator<char>(file), {}));
+    LoadedScript script = {std::string(std::istreambuf_iterator<char>(file), {}), {}};
+    script.parsed = parseScript(script.text);
+    return script;
 }
 
 int refuse(Recorder &recorder, const std::string &why)
@@ -76,61 +74,48 @@ std::string findCompanion(const Options &options, Companion &companion)
     return companion.child > 0 ? std::string() : options.companionCommand[0] + ": " + strerror(errno);
 }
 
-int playSession(const Options &options, Recorder &recorder, const std::vector<Command> &commands)
+/// The session of the command line: the script, then the keyboard.
+SessionEnd playScript(const Options &options, Recorder &recorder, const LoadedScript &script,
+                      const Companion &companion)
 {
-    Companion companion;
-    const std::string whyNot = findCompanion(options, companion);
-    if (!whyNot.empty())
-        return refuse(recorder, whyNot);
-
-    Ending ending;
     Inbox inbox;
-    const PipePaths paths = pipePathsIn(options.pipeDirectory);
-    TextWriter writer(paths.toCompanion, recorder, ending, std::chrono::milliseconds(options.sendTimeoutMs));
-    BackgroundSender background(writer, ending);
-    TextReader reader(paths.fromCompanion, ending, [&](const std::string &text) {
-        recorder.received(text);
-        for (const std::string &line : splitLines(text)) {
-            background.noteReceived(line);
-            inbox.add(line);
-        }
-    });
-    std::thread watching([&] { watchProcesses(companion, ending); });
-    std::thread sending([&] { background.run(); });
-    std::thread reading([&] {
-        reader.run();
-        inbox.close();
-    });
-
-    Stage stage{recorder, writer, inbox, background, ending};
+    LiveSession live(options, recorder, companion,
+                     {[&](const std::string &line) { inbox.add(line); }, [&] { inbox.close(); }});
+    Stage stage{recorder, live.writer, inbox, live.background, live.ending};
     stage.baseDirectory = std::filesystem::path(options.scriptPath).parent_path().string();
     Player player(stage);
-    playToTheEnd(options, player, stage, commands);
-
-    background.stop();
-    for (std::thread *thread : {&reading, &sending, &watching})
-        thread->join();
-    const int status = ending.status() == 0 && player.failures() > 0 ? expectationStatus : ending.status();
-    recorder.note("exit " + std::to_string(status) + " (" + ending.reason() + ")");
-    return status;
+    playToTheEnd(options, player, stage, script.parsed.commands);
+    const bool isShort = live.ending.status() == 0 && player.failures() > 0;
+    return {isShort ? expectationStatus : live.ending.status(), live.ending.reason()};
 }
 
 } // namespace
 
 int runSession(const Options &options)
 {
+    return runSession(options, playScript, {});
+}
+
+int runSession(const Options &options, const PlaySession &play, Recorder::Observer observer)
+{
     prepareSignals();
-    Recorder recorder(options.recordPath);
+    Recorder recorder(options.recordPath, std::move(observer));
     if (!recorder.isOpen())
         return refuse(recorder, options.recordPath + ": " + strerror(errno));
     recordStart(options, recorder);
-    const ParsedScript script = loadScript(options.scriptPath);
-    if (!script.error.empty())
-        return refuse(recorder, options.scriptPath + ": " + script.error);
+    const LoadedScript script = loadScript(options.scriptPath);
+    if (!script.parsed.error.empty())
+        return refuse(recorder, options.scriptPath + ": " + script.parsed.error);
     std::string whyNot;
     if (options.createsPipes && !createPipes(options.pipeDirectory, whyNot))
         return refuse(recorder, whyNot);
-    return playSession(options, recorder, script.commands);
+    Companion companion;
+    whyNot = findCompanion(options, companion);
+    if (!whyNot.empty())
+        return refuse(recorder, whyNot);
+    const SessionEnd end = play(options, recorder, script, companion);
+    recorder.note("exit " + std::to_string(end.status) + " (" + end.reason + ")");
+    return end.status;
 }
 
 } // namespace agentSimulator

@@ -3,6 +3,7 @@
 
 #include "agentSimulator/wireText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -89,6 +90,18 @@ Escape readEscape(std::string_view text)
     return {4, static_cast<char>(value)};
 }
 
+/// The byte that a percent escape at the beginning of the text stands for, if there is one.
+std::optional<char> readPercentEscape(std::string_view text)
+{
+    if (text.size() < 3 || text[0] != '%')
+        return std::nullopt;
+    unsigned value = 0;
+    const auto [end, error] = std::from_chars(text.data() + 1, text.data() + 3, value, 16);
+    if (error != std::errc() || end != text.data() + 3)
+        return std::nullopt;
+    return static_cast<char>(value);
+}
+
 bool isUnreserved(char c)
 {
     const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
@@ -141,6 +154,40 @@ std::string percentEncode(std::string_view bytes)
             out += c;
         else
             appendHex(out, "%", c);
+    }
+    return out;
+}
+
+std::string percentEncodeAll(std::string_view bytes)
+{
+    std::string out;
+    for (const char c : bytes)
+        appendHex(out, "%", c);
+    return out;
+}
+
+std::string percentDecode(std::string_view text)
+{
+    std::string out;
+    while (!text.empty()) {
+        const std::optional<char> decoded = readPercentEscape(text);
+        out += decoded.value_or(text[0]);
+        text.remove_prefix(decoded ? 3 : 1);
+    }
+    return out;
+}
+
+std::string base64Encode(std::string_view bytes)
+{
+    constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string out;
+    for (size_t i = 0; i < bytes.size(); i += 3) {
+        const size_t count = std::min<size_t>(3, bytes.size() - i);
+        std::uint32_t group = 0;
+        for (size_t k = 0; k < 3; k++)
+            group = group << 8 | (k < count ? byteAt(bytes, i + k) : 0U);
+        for (size_t k = 0; k < 4; k++)
+            out += k <= count ? digits[group >> (18 - 6 * k) & 63U] : '=';
     }
     return out;
 }

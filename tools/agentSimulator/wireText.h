@@ -18,6 +18,15 @@ std::optional<std::string> unescapeText(std::string_view text);
 /// Escapes every byte but letters, digits and "-._~", so that the result is one field of a line.
 std::string percentEncode(std::string_view bytes);
 
+/// Escapes every byte.
+std::string percentEncodeAll(std::string_view bytes);
+
+/// The way back; what is no escape stays as it is.
+std::string percentDecode(std::string_view text);
+
+/// The standard alphabet, padded.
+std::string base64Encode(std::string_view bytes);
+
 /// The lines of a text without their newlines; empty ones are left out.
 std::vector<std::string> splitLines(std::string_view text);
 

@@ -60,6 +60,14 @@ TEST(SimulatorOptions, WithoutEnvironmentTheAgentJustListens)
     EXPECT_FALSE(parsed.options.exitStatus);
 }
 
+TEST(SimulatorOptions, TheConsoleTakesOverWhereTheEnvironmentSaysSo)
+{
+    EXPECT_TRUE(parsedWith(agentArguments, {{"BRINDLE_AGENT_CONSOLE", "1"}}).options.wantsConsole);
+    for (const char *value : {"", "0", "no"})
+        EXPECT_FALSE(parsedWith(agentArguments, {{"BRINDLE_AGENT_CONSOLE", value}}).options.wantsConsole) << value;
+    EXPECT_FALSE(parsedWith(agentArguments).options.wantsConsole);
+}
+
 TEST(SimulatorOptions, AListThatWasCutShortFallsBackToTheUsersHome)
 {
     const ParsedOptions parsed = parsedWith({"main", "-productType", "true", "-version"}, {{"HOME", "/home/bob"}});

@@ -92,3 +92,20 @@ TEST(SimulatorRecord, AFileThatCannotBeOpenedIsNoticed)
     const TemporaryFolder folder;
     EXPECT_FALSE(Recorder(folder.file("missing/record")).isOpen());
 }
+
+TEST(SimulatorRecord, AnObserverSeesEachEntryInTheOrderOfTheFile)
+{
+    const TemporaryFolder folder;
+    std::string seen;
+    Recorder recorder(folder.file("record"), [&](const RecordEntry &entry) {
+        seen += formatRecordLine(entry.elapsedMs, entry.mark, entry.content);
+    });
+    std::thread other([&] {
+        for (int i = 0; i < 100; i++)
+            recorder.sent("one\n");
+    });
+    for (int i = 0; i < 100; i++)
+        recorder.received("two\n");
+    other.join();
+    EXPECT_EQ(seen, folder.read("record"));
+}

@@ -68,6 +68,33 @@ TEST(SimulatorPercentEncoding, NamesBecomeOneField)
         EXPECT_EQ(percentEncode(pair.bytes), pair.text);
 }
 
+TEST(SimulatorPercentEncoding, LeadsBackToTheSameBytes)
+{
+    std::string everyByte;
+    for (int value = 0; value < 256; value++)
+        everyByte += static_cast<char>(value);
+    EXPECT_EQ(percentDecode(percentEncode(everyByte)), everyByte);
+    EXPECT_EQ(percentDecode(percentEncodeAll(everyByte)), everyByte);
+}
+
+TEST(SimulatorPercentEncoding, WhatIsNoEscapeStaysAsItIs)
+{
+    const Pair pairs[] = {
+        {"a%20b%2fc", "a b/c"}, {"50%", "50%"}, {"%2", "%2"}, {"%ZZ", "%ZZ"}, {"%%41", "%A"}, {"", ""},
+    };
+    for (const Pair &pair : pairs)
+        EXPECT_EQ(percentDecode(pair.bytes), pair.text);
+}
+
+TEST(SimulatorBase64, IsPaddedToWholeGroups)
+{
+    const Pair pairs[] = {
+        {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foobar", "Zm9vYmFy"}, {"\xff\xfe\xfb", "//77"},
+    };
+    for (const Pair &pair : pairs)
+        EXPECT_EQ(base64Encode(pair.bytes), pair.text);
+}
+
 TEST(SimulatorLines, EmptyPiecesOfATextAreNoLines)
 {
     EXPECT_EQ(splitLines("one\n\ntwo\n"), (std::vector<std::string>{"one", "two"}));
