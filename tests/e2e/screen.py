@@ -190,6 +190,17 @@ class Windows:
     def find(self, title, seconds=15):
         return until(lambda: next(iter(self.titled(title)), None), f"a window titled {title!r}", seconds)
 
+    def managed(self):
+        """Identifiers of the windows that the window manager knows, the oldest first."""
+        return self._numbers("_NET_CLIENT_LIST")
+
+    def active(self):
+        """Identifier of the window that the window manager has made active, or None."""
+        return next(iter(self._numbers("_NET_ACTIVE_WINDOW")), None)
+
+    def numbered(self, identifier):
+        return self.display.create_resource_object("window", identifier)
+
     def position(self, window):
         there = window.translate_coords(self.root, 0, 0)
         return -there.x, -there.y
@@ -224,6 +235,10 @@ class Windows:
             32, [self.display.intern_atom("WM_DELETE_WINDOW"), X.CurrentTime, 0, 0, 0]))
         window.send_event(message)
         self.display.flush()
+
+    def _numbers(self, name):
+        found = self.root.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
+        return list(found.value) if found else []
 
     def _focused_or_none(self):
         try:
