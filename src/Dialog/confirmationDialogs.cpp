@@ -70,8 +70,9 @@ void freeConcent(UserConcent *record)
 
 OwnedText controlText(const char *name)
 {
-    return OwnedText(g_strdup_printf(
-        getString("%s has requested to control your device.\n Would you like to accept the request?"), name));
+    return OwnedText(
+        g_strdup_printf(getString("%s has requested to control your device.\n Would you like to accept the request?"),
+                        plainName(name).get()));
 }
 
 /// The asking participant isn't listed: the text that names him stays empty, and the identifier is named under it, so

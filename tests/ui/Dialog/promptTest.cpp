@@ -94,8 +94,12 @@ TEST_F(PromptTest, WhoeverIsTypingDoesNotAgree)
 
 TEST_F(PromptTest, NoNameLooksLikeAnother)
 {
-    GtkWidget *const dialog = open("launchScript photo\u202egpj.sh");
+    GtkWidget *dialog = open("launchScript photo\u202egpj.sh");
     EXPECT_THAT(textOf(dialog), ::testing::HasSubstr("photo\ufffdgpj.sh"));
+    answer(dialog, GTK_RESPONSE_REJECT);
+    addParticipant("Ann\nand Tom\u202e", "A1");
+    dialog = open("command A1");
+    EXPECT_THAT(textOf(dialog), ::testing::StartsWith("Ann\ufffdand Tom\ufffd has requested"));
 }
 
 TEST_F(PromptTest, DemoSessionIsJoinedInItsOwnWords)
