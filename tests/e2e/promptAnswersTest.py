@@ -134,7 +134,7 @@ class Answers(PromptCase):
 
 class EveryPrompt(Answers):
     def test_is_asked_once_and_answered_once(self):
-        self.begin(speed=2)
+        self.begin(speed=1)  # the question whether to reboot goes by itself
         self.add_participants("Ann 41", "Tom 42")
         for row in ROWS:
             for number, (how, (lines, logged)) in enumerate(row.answers.items()):

@@ -44,6 +44,11 @@ class Dialog(NamedTuple):
     def is_checked(self, name):
         return has_state(self.check_box(name), Atspi.StateType.CHECKED)
 
+    def focused(self):
+        """Name of the control that has the keyboard, or None."""
+        return next((each.get_name() for each in everything(self.accessible)
+                     if each != self.accessible and has_state(each, Atspi.StateType.FOCUSED)), None)
+
     def can_press(self, name):
         return sensitive(self.button(name))
 
