@@ -159,6 +159,26 @@ std::string lossesOf(GtkWidget *window)
     return losses;
 }
 
+void notePaint(GdkFrameClock *, bool *isPainted)
+{
+    *isPainted = true;
+}
+
+/// Waits until a window is drawn: a label knows what it has no room for once it is laid out with its text.
+void awaitLayout(GtkWidget *window)
+{
+    GdkFrameClock *const clock = gtk_widget_get_frame_clock(window);
+    ASSERT_TRUE(clock);
+    // The first of these frames may be one that was past its layout.
+    for (int frame = 0; frame < 2; frame++) {
+        bool isPainted = false;
+        const gulong handler = connect_signal(clock, "after-paint", notePaint, &isPainted);
+        gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
+        EXPECT_TRUE(waitUntil([&] { return isPainted; }));
+        g_signal_handler_disconnect(clock, handler);
+    }
+}
+
 void expectOnSmallScreen(GtkWidget *window)
 {
     GdkRectangle frame = {};
@@ -186,6 +206,7 @@ protected:
     /// The window gets a size in which it shows all of its texts. It may take a moment: notices slide in.
     static void expectNothingLost(GtkWidget *window)
     {
+        awaitLayout(window);
         EXPECT_TRUE(waitUntil([&] { return lossesOf(window).empty(); }, [&] { return lossesOf(window); }));
         expectOnSmallScreen(window);
     }
