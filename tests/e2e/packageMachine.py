@@ -1,0 +1,127 @@
+"""Packages: what is in them, and machines that they are installed on and that go with their test."""
+
+import hashlib
+import os
+import pathlib
+import re
+import subprocess
+
+from session import PICTURES, SANDBOX
+
+TOP = pathlib.Path(__file__).parents[2]
+FOLDER = PICTURES.parent / "brindlePackages"
+KINDS = ("machine", "reach", "user")
+_BUILD_SECONDS = 220
+_SECONDS = 60
+# What the package manager and its triggers keep for themselves.
+_KEPT = ("/var/lib/dpkg/", "/var/cache/", "/var/log/dpkg.log")
+
+
+def run(*command, seconds=_SECONDS, **options):
+    """A command that has to succeed, and what it says."""
+    result = subprocess.run([str(word) for word in command], timeout=seconds, stdin=subprocess.DEVNULL,
+                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, **options)
+    if result.returncode != 0:
+        raise AssertionError(f"{command} ends with {result.returncode}:\n{result.stdout}")
+    return result.stdout
+
+
+def make_packages():
+    """Makes all packages; gives a Package for each kind of installation."""
+    run(TOP / "scripts/package", FOLDER / "build", FOLDER / "out", seconds=_BUILD_SECONDS)
+    found = sorted((FOLDER / "out").iterdir())
+    if [path.name.split("_")[0] for path in found] != [f"brindle-ui-{kind}" for kind in KINDS]:
+        raise AssertionError(f"scripts/package leaves {found}")
+    return {kind: Package(path) for kind, path in zip(KINDS, found)}
+
+
+class Package:
+    def __init__(self, path):
+        self.path = path
+        self.name = path.name.split("_")[0]
+
+    def digest(self):
+        return hashlib.sha256(self.path.read_bytes()).hexdigest()
+
+    def field(self, name):
+        return run("dpkg-deb", "--field", self.path, name).strip()
+
+    def entries(self):
+        """Path of everything in the package, with its rights and owner: "/usr/": "drwxr-xr-x root/root"."""
+        found = {}
+        for line in run("dpkg-deb", "--contents", self.path).splitlines():
+            rights, owner, _, _, _, path = line.split(None, 5)
+            found[path.removeprefix(".")] = f"{rights} {owner}"
+        return found
+
+    def files(self):
+        return {path for path in self.entries() if not path.endswith("/")}
+
+    def unpack(self, folder):
+        run("dpkg-deb", "--extract", self.path, folder)
+
+    def scripts(self, folder):
+        """The maintainer scripts, as files."""
+        run("dpkg-deb", "--control", self.path, folder)
+        return {path.name: path for path in pathlib.Path(folder).iterdir() if path.name not in ("control", "md5sums")}
+
+
+class Machine:
+    """A throw-away copy of this one; only root can install there.
+
+    triggers: other packages do their part of each change (index of manual pages, menus), which takes seconds
+    """
+
+    def __init__(self, triggers=False):
+        self._dpkg = ["dpkg", "--triggers" if triggers else "--no-triggers"]
+        self._holder = subprocess.Popen([SANDBOX, "", "/bin/sh", "-c", "echo there; exec sleep infinity"],
+                                        stdout=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True)
+        if self._holder.stdout.readline() != "there\n":
+            raise AssertionError("no copy of the file system")
+        self.inside = ["nsenter", f"--target={self._holder.pid}", "--mount", "--root", "--wdns=/"]
+        self._root = pathlib.Path(f"/proc/{self._holder.pid}/root")
+
+    def run(self, *command):
+        return run(*self.inside, *command, env={**os.environ, "PATH": "/usr/sbin:/usr/bin:/sbin:/bin"})
+
+    def runs(self, *command):
+        """Whether a command succeeds."""
+        try:
+            self.run(*command)
+        except AssertionError:
+            return False
+        return True
+
+    def wrapper(self, *command):
+        """For a session whose program is this command, given the session's options."""
+        return [*self.inside, "/bin/sh", "-c", 'program=$1; shift 2; exec $program "$@"', "sh",
+                " ".join(str(word) for word in command)]
+
+    def path(self, place):
+        """A place of that machine as this process gets at it."""
+        return self._root / place.lstrip("/")
+
+    def install(self, package):
+        self.run(*self._dpkg, "--install", package.path)
+
+    def remove(self, package):
+        self.run(*self._dpkg, "--remove", package.name)
+
+    def purge(self, package):
+        self.run(*self._dpkg, "--purge", package.name)
+
+    def everything(self):
+        """Every path of the system, and its groups."""
+        listing = self.run("find", "/usr", "/etc", "/var", "/opt", "-xdev", "-printf", r"%y %p\n")
+        paths = {line for line in listing.splitlines()
+                 if not line[2:].startswith(_KEPT) and not re.fullmatch(r". /etc/.*-", line)}  # the second: copies
+        return paths | set(self.path("/etc/group").read_text().splitlines())
+
+    def group(self, name):
+        """Number of a group."""
+        return int(self.run("getent", "group", name).split(":")[2])
+
+    def discard(self):
+        self._holder.kill()
+        self._holder.wait()
+        self._holder.stdout.close()
