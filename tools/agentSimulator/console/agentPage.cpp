@@ -65,7 +65,7 @@ void addAgentPage(Console *console, int status)
     gtk_style_context_add_class(gtk_widget_get_style_context(grid), "form");
     g_object_set_data_full(G_OBJECT(grid), "page", page,
                            [](gpointer owned) { delete static_cast<AgentPage *>(owned); });
-    GtkWidget *const text = buildText(explanation, "dim-label");
+    GtkWidget *const text = buildText(explanation, "quiet");
     gtk_label_set_line_wrap(GTK_LABEL(text), TRUE);
     gtk_label_set_max_width_chars(GTK_LABEL(text), 70);
     gtk_grid_attach(GTK_GRID(grid), text, 0, 0, 4, 1);

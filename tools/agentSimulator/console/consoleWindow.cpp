@@ -23,10 +23,11 @@ namespace
 {
 
 constexpr std::chrono::milliseconds pingPeriod{5000};
-constexpr int widthPx = 860, heightPx = 740, topicHeightPx = 400;
+constexpr int widthPx = 860, heightPx = 740, topicHeightPx = 350;
 
 // Colours are the theme's own.
-constexpr char styleSheet[] = ".form { padding: 10px 14px; }"
+constexpr char styleSheet[] = ".quiet { opacity: 0.75; }"
+                              ".form { padding: 10px 14px; }"
                               ".heading { font-weight: bold; }"
                               ".line { font-family: monospace; font-size: 90%; opacity: 0.75; }"
                               ".bar { padding: 8px 12px; }";
@@ -86,7 +87,7 @@ GtkWidget *addSwitch(GtkWidget *bar, const char *caption, const char *tooltip)
 
 GtkWidget *buildSwitches(Console *console, const Options &options)
 {
-    GtkWidget *const bar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
+    GtkWidget *const bar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
     gtk_style_context_add_class(gtk_widget_get_style_context(bar), "bar");
     console->pingSwitch = addSwitch(bar, "Signs of life", "Sends \"PING UI\" every five seconds");
     console->answerSwitch =
@@ -94,7 +95,7 @@ GtkWidget *buildSwitches(Console *console, const Options &options)
     connect_signal(console->pingSwitch, "notify::active", on_ping_switched, console);
     connect_signal(console->answerSwitch, "notify::active", on_answer_switched, console);
     const OwnedText pipes(g_filename_display_name(options.pipeDirectory.c_str()));
-    GtkWidget *const place = buildText(pipes.get(), "dim-label");
+    GtkWidget *const place = buildText(pipes.get(), "quiet");
     gtk_label_set_ellipsize(GTK_LABEL(place), PANGO_ELLIPSIZE_START);
     gtk_label_set_xalign(GTK_LABEL(place), 1);
     gtk_box_pack_end(GTK_BOX(bar), place, TRUE, TRUE, 0);

@@ -20,11 +20,12 @@ enum Column { timeColumn, whoColumn, lineColumn, meaningColumn, weightColumn, pi
 
 constexpr int maxRows = 5000;
 constexpr size_t maxShownBytes = 600;
+constexpr size_t maxReadBytes = 4000; // of a line whose meaning is wanted
 
 struct Row {
     const char *who;
     std::string line;
-    std::string meaning;
+    std::string meaning; ///< displayable
     bool isPing = false;
 };
 
@@ -55,7 +56,7 @@ void addRow(Console *console, std::int64_t elapsedMs, const Row &row)
     GtkTreeIter place;
     gtk_list_store_insert_with_values(
         console->rows, &place, -1, timeColumn, formatTime(elapsedMs).c_str(), whoColumn, row.who, lineColumn,
-        shownText(row.line).c_str(), meaningColumn, shownText(row.meaning).c_str(), weightColumn,
+        shownText(row.line).c_str(), meaningColumn, row.meaning.c_str(), weightColumn,
         isReceived ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL, pingColumn, row.isPing, receivedColumn, isReceived, -1);
     GtkTreeIter first;
     GtkTreeModel *const model = GTK_TREE_MODEL(console->rows);
@@ -114,8 +115,8 @@ struct ColumnLook {
 constexpr std::array<ColumnLook, 4> columnLooks = {{
     {"Time", timeColumn, 80, false},
     {"From", whoColumn, 90, false},
-    {"Line", lineColumn, 380, true},
-    {"Meaning", meaningColumn, 300, true},
+    {"Line", lineColumn, 330, true},
+    {"Meaning", meaningColumn, 310, true},
 }};
 
 void addColumn(GtkTreeView *list, const ColumnLook &look)
@@ -188,7 +189,8 @@ void showEntry(Console *console, const RecordEntry &entry)
     const std::string_view content = entry.content;
     if (entry.mark == '<') {
         for (const std::string &line : splitLines(content))
-            addRow(console, entry.elapsedMs, {"companion", line, describeReceived(line)});
+            addRow(console, entry.elapsedMs,
+                   {"companion", line, describeReceived(std::string_view(line).substr(0, maxReadBytes))});
     } else if (entry.mark == '>') {
         addRow(console, entry.elapsedMs,
                {"agent", std::string(withoutLastNewline(content)), describeSent(content), content == "PING UI\n"});

@@ -90,7 +90,8 @@ GtkWidget *buildField(Form *form, const Field &field)
     GtkWidget *const input = buildInput(field);
     GtkWidget *const entry = GTK_IS_ENTRY(input) ? input : gtk_bin_get_child(GTK_BIN(input));
     gtk_entry_set_text(GTK_ENTRY(entry), field.initial);
-    nameControl(entry, std::string(form->line->title) + ": " + field.name);
+    for (GtkWidget *const control : {input, entry})
+        nameControl(control, std::string(form->line->title) + ": " + field.name);
     connect_signal(entry, "changed", on_entry_changed, form);
     connect_signal(entry, "activate", on_entry_activate, form);
     form->entries.push_back(entry);
@@ -99,7 +100,7 @@ GtkWidget *buildField(Form *form, const Field &field)
                         std::string_view(field.name) == "message";
     gtk_entry_set_width_chars(GTK_ENTRY(entry), isText ? 30 : 12);
     GtkWidget *const column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2);
-    gtk_box_pack_start(GTK_BOX(column), buildText(field.name, "dim-label"), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(column), buildText(field.name, "quiet"), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column), input, FALSE, FALSE, 0);
     gtk_widget_set_hexpand(column, isText);
     return column;
@@ -120,7 +121,7 @@ GtkWidget *buildHead(Form *form)
     GtkWidget *const head = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
     GtkWidget *const title = buildText(form->line->title, "heading");
     gtk_label_set_width_chars(GTK_LABEL(title), 20);
-    GtkWidget *const meaning = buildText(form->line->meaning, "dim-label");
+    GtkWidget *const meaning = buildText(form->line->meaning, "quiet");
     gtk_label_set_line_wrap(GTK_LABEL(meaning), TRUE);
     GtkWidget *const button = gtk_button_new_with_label("Send");
     nameControl(button, std::string("Send: ") + form->line->title);
@@ -165,6 +166,9 @@ GtkWidget *buildPage(Console *console, const Page &page)
     GtkWidget *const scroller = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
     gtk_container_add(GTK_CONTAINER(scroller), list);
+    // Whoever goes through the page with the keyboard sees where he is.
+    gtk_container_set_focus_vadjustment(GTK_CONTAINER(list),
+                                        gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)));
     return scroller;
 }
 

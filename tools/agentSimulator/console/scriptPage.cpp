@@ -181,7 +181,7 @@ void addScriptPage(Console *console)
 {
     GtkWidget *const page = gtk_box_new(GTK_ORIENTATION_VERTICAL, 8);
     gtk_style_context_add_class(gtk_widget_get_style_context(page), "form");
-    console->scriptState = buildText("Write, open or record a script", "dim-label");
+    console->scriptState = buildText("Write, open or record a script", "quiet");
     gtk_label_set_ellipsize(GTK_LABEL(console->scriptState), PANGO_ELLIPSIZE_END);
     gtk_box_pack_start(GTK_BOX(page), buildBar(console), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(page), buildEditor(console), TRUE, TRUE, 0);
