@@ -273,7 +273,9 @@ gboolean show_dialog_transfer_control_demo(MainWindow *mainwindow)
     if (!name)
         addEmptyText(dialog);
     keepArgument(dialog, identifier.get());
-    if (isOpenWindow(mainwindow->window))
+    // While another question is open, a window manager would put a child of the main window under that one, where it
+    // can't be answered and holds the other back.
+    if (isOpenWindow(mainwindow->window) && !gtk_grab_get_current())
         gtk_window_set_transient_for(GTK_WINDOW(dialog), GTK_WINDOW(mainwindow->window));
     connect_signal(dialog, "response", on_response_demo, mainwindow);
     showQuestion(dialog, question, mainwindow, nullptr);

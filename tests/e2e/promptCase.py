@@ -60,6 +60,7 @@ class PromptCase(SessionCase):
         self.session = self.start(kind=kind, **options).ready()
         self.application = self.session.application
         self.windows = self.session.windows
+        until(self.windows.managed, "the window manager lists the main window")
         self.mark()
 
     def add_participants(self, *names_and_identifiers):
