@@ -1,10 +1,13 @@
 """Packages: what is in them, and machines that they are installed on and that go with their test."""
 
-import hashlib
+import datetime
+import filecmp
+import io
 import os
 import pathlib
-import re
+import stat
 import subprocess
+import tarfile
 
 from session import PICTURES, SANDBOX
 
@@ -40,9 +43,6 @@ class Package:
         self.path = path
         self.name = path.name.split("_")[0]
 
-    def digest(self):
-        return hashlib.sha256(self.path.read_bytes()).hexdigest()
-
     def field(self, name):
         return run("dpkg-deb", "--field", self.path, name).strip()
 
@@ -54,6 +54,13 @@ class Package:
             found[path.removeprefix(".")] = f"{rights} {owner}"
         return found
 
+    def dates(self):
+        """Every date that something in the package bears, as UTC."""
+        archive = subprocess.run(["dpkg-deb", "--fsys-tarfile", str(self.path)], check=True, timeout=_SECONDS,
+                                 stdout=subprocess.PIPE).stdout
+        with tarfile.open(fileobj=io.BytesIO(archive)) as content:
+            return {str(datetime.datetime.utcfromtimestamp(member.mtime)) for member in content}
+
     def files(self):
         return {path for path in self.entries() if not path.endswith("/")}
 
@@ -64,6 +71,18 @@ class Package:
         """The maintainer scripts, as files."""
         run("dpkg-deb", "--control", self.path, folder)
         return {path.name: path for path in pathlib.Path(folder).iterdir() if path.name not in ("control", "md5sums")}
+
+
+def _difference(copy, original):
+    """How a file of the layer over a file system differs from what it lies over; None where it does not."""
+    status = copy.lstat()
+    if stat.S_ISCHR(status.st_mode) and status.st_rdev == 0:
+        return "-"
+    if not os.path.lexists(original):
+        return "+"
+    if stat.S_ISREG(status.st_mode) and not filecmp.cmp(copy, original, shallow=False):
+        return "~"
+    return None
 
 
 class Machine:
@@ -110,12 +129,17 @@ class Machine:
     def purge(self, package):
         self.run(*self._dpkg, "--purge", package.name)
 
-    def everything(self):
-        """Every path of the system, and its groups."""
-        listing = self.run("find", "/usr", "/etc", "/var", "/opt", "-xdev", "-printf", r"%y %p\n")
-        paths = {line for line in listing.splitlines()
-                 if not line[2:].startswith(_KEPT) and not re.fullmatch(r". /etc/.*-", line)}  # the second: copies
-        return paths | set(self.path("/etc/group").read_text().splitlines())
+    def changes(self):
+        """What differs from the machine that this one is a copy of: "+" is new, "-" is gone, "~" is another file."""
+        upper = self.path("/tmp/brindleSandbox/upper")
+        found = set()
+        for changed in upper.rglob("*"):
+            place = pathlib.Path("/", changed.relative_to(upper))
+            kind = _difference(changed, place)
+            # What changes the users' and groups' files keeps the former one, with a "-" at its end.
+            if kind and not str(place).startswith(_KEPT) and not place.name.endswith("-"):
+                found.add(f"{kind} {place}")
+        return found
 
     def group(self, name):
         """Number of a group."""
