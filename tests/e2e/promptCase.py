@@ -66,7 +66,7 @@ class PromptCase(SessionCase):
     def add_participants(self, *names_and_identifiers):
         for number, words in enumerate(names_and_identifiers, 1):
             self.session.send(f"sessionStatus participantsAdd {words} true")
-            self.session.log.expect("adding settings button", number)  # a row is made from one line at a time
+            self.session.log.expect("participants present", number)  # a row is made from one line at a time
 
     def mark(self):
         self.session.settled()

@@ -126,8 +126,10 @@ class AQuestionWithATime(TimedQuestion):
             with self.subTest(line):
                 first = self.ask_again(line)
                 self.leap(stays_s - 2)
-                click(first.button(next(iter(answers))))
+                button, word = next(iter(answers.items()))
+                click(first.button(button))
                 self.gone(first)
+                self.hears(RESPONSE + word)
                 second = self.ask_again(line)
                 self.leap(stays_s - 2)
                 self.still_there(second)

@@ -20,28 +20,19 @@ SINGLE = {
 }
 
 
-class SeveralQuestions(PromptCase):
-    def setUp(self):
-        super().setUp()
-        self.begin(speed=1)
-        self.add_participants("Ann 41", "Tom 42")
-        self.mark()
-
+class Together(PromptCase):
     def opens(self, count):
         until(lambda: len(self.dialogs()) >= count, lambda: f"{count} dialogs; there is {self.application.describe()}")
         self.session.settled()
         self.assertEqual(len(self.dialogs()), count)
 
-    def test_are_asked_once_each_in_a_burst_of_doubled_prompts(self):
-        self.session.send("\n".join(line for line in SINGLE for _ in range(3)))
-        self.opens(len(SINGLE))
-        self.assertEqual(self.heard(), [])
-        for text in set(SINGLE.values()) - {None}:
-            self.assertIn(text, self.logged())
-        self.session.send("\n".join(SINGLE))
-        self.opens(len(SINGLE))
-        self.assertEqual(self.heard(), [])
-        self.assertEqual(self.session.quit(), 0)
+
+class SeveralQuestions(Together):
+    def setUp(self):
+        super().setUp()
+        self.begin()
+        self.add_participants("Ann 41", "Tom 42")
+        self.mark()
 
     def test_are_answered_one_by_one_with_their_own_answers(self):
         consents = {f"feature{number}": self.ask(
@@ -72,6 +63,7 @@ class SeveralQuestions(PromptCase):
         self.asks_nothing("dialogPrompt command 42")
         click(script.button("Deny"))
         self.gone(script)
+        self.hears(RESPONSE + "delete_dialog scriptLauncherDialog ")
         tom = self.ask("dialogPrompt command 42")
         self.mark()
         for dialog, name, identifier in ((tom, "Tom", 42), (ann, "Ann", 41)):
@@ -113,6 +105,19 @@ class SeveralQuestions(PromptCase):
         return accessible is not None
 
 
+class DoubledPrompts(Together):
+    def test_are_asked_once_each_in_a_burst_of_doubled_prompts(self):
+        self.begin(speed=1)  # the question whether to reboot goes by itself
+        self.session.send("\n".join(line for line in SINGLE for _ in range(3)))
+        self.opens(len(SINGLE))
+        self.assertEqual(self.heard(), [])
+        for text in set(SINGLE.values()) - {None}:
+            self.assertIn(text, self.logged())
+        self.session.send("\n".join(SINGLE))
+        self.opens(len(SINGLE))
+        self.assertEqual(self.heard(), [])
+        self.assertEqual(self.session.quit(), 0)
+
 class ASwapOfScreens(PromptCase):
     TITLE = "Brindle"
     LATER = ["sessionStatus Connected", "sessionStatus disconnected", "sessionStatus disableChat",
@@ -148,7 +153,7 @@ class ASwapOfScreens(PromptCase):
         self.assertEqual(self.session.log.messages()[-1], "freed meamory")
 
     def test_leaves_open_questions_to_be_answered(self):
-        self.begin(speed=1)
+        self.begin(speed=2)
         self.add_participants("Ann 41")
         self.approve(before=(CONSENT, "dialogPrompt runAsService", "dialogPrompt configureURS 7", "clipboard",
                              "dialogPrompt command 41", "dialogPrompt acall"))
