@@ -112,7 +112,7 @@ void showQuestion(GtkWidget *dialog, const Question &question, MainWindow *mainw
         listenToStructure(mainwindow);
     if (has(question, guarded))
         guardFromKeyboard(dialog, mainwindow);
-    else if (!has(question, askedByCustomer))
+    if (!has(question, askedByCustomer))
         focusRefusal(dialog);
     if (has(question, reportsPosition))
         reportPosition(dialog, kind);

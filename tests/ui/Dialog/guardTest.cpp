@@ -47,6 +47,18 @@ void press(GtkWidget *dialog, const std::vector<std::string> &keys)
     ASSERT_TRUE(g_spawn_command_line_async(command.c_str(), nullptr));
 }
 
+/// Waits for the question with the window's own title; null when it doesn't come.
+GtkWidget *awaitQuestion()
+{
+    GtkWidget *question = nullptr;
+    waitUntil([&] {
+        for (GtkWidget *window : findWindows("Brindle"))
+            question = GTK_IS_DIALOG(window) ? window : question;
+        return question != nullptr;
+    });
+    return question;
+}
+
 /// Every key that activates or moves to something somewhere in a toolkit's dialog.
 const std::vector<std::string> everyKey = {"Return", "KP_Enter", "space", "KP_Space",    "ISO_Enter",  "Tab",  "KP_Tab",
                                            "Left",   "Right",    "Up",    "Down",        "shift+Tab",  "Home", "End",
@@ -97,13 +109,9 @@ TEST_F(NormalSession, NoGuardedButtonTakesTheFocus)
 
 TEST_F(NormalSession, NoRealKeyAnswersAGuardedQuestionButEscapeRefusesIt)
 {
-    GtkWidget *dialog = nullptr;
     prompt("runAsService");
-    ASSERT_TRUE(waitUntil([&] {
-        for (GtkWidget *window : findWindows("Brindle"))
-            dialog = GTK_IS_DIALOG(window) ? window : dialog;
-        return dialog != nullptr;
-    }));
+    GtkWidget *const dialog = awaitQuestion();
+    ASSERT_TRUE(dialog);
     std::vector<std::string> keys = everyKey;
     keys.push_back("Escape");
     press(dialog, keys);
@@ -117,6 +125,16 @@ TEST_F(OtherSession, RealReturnAnswersAGuardedQuestion)
     press(clipboardPermissionDialog, {"Return"});
     EXPECT_TRUE(waitUntil([] { return !clipboardPermissionDialog; }));
     EXPECT_EQ(answers().front(), "clipboard 1");
+}
+
+TEST_F(OtherSession, RealReturnDoesNotGrantRootAccessToWhoeverIsTyping)
+{
+    prompt("runAsService");
+    GtkWidget *const dialog = awaitQuestion();
+    ASSERT_TRUE(dialog);
+    press(dialog, {"Return"});
+    EXPECT_TRUE(waitUntil([&] { return openKinds().empty(); }));
+    EXPECT_THAT(answers(), ::testing::ElementsAre("dialogResponse delete_dialog serviceDialog "));
 }
 
 TEST_F(NormalSession, UnguardedQuestionsTakeTheKeyboard)
