@@ -14,7 +14,7 @@ from session import PICTURES, SANDBOX
 TOP = pathlib.Path(__file__).parents[2]
 FOLDER = PICTURES.parent / "brindlePackages"
 KINDS = ("machine", "reach", "user")
-_BUILD_SECONDS = 220
+_BUILD_SECONDS = 600
 _SECONDS = 60
 # What the package manager and its triggers keep for themselves.
 _KEPT = ("/var/lib/dpkg/", "/var/cache/", "/var/log/dpkg.log")
