@@ -18,6 +18,11 @@ SINGLE = {
     "dialogPrompt rebootPc": "dialog box already running",
     "clipboard": "dialog box already running",
 }
+WORDS = ("runAsService", "launchScript", "userConcent", "initswap", "command", "fileTransferReceive", "acall", "vcall",
+         "cancelavcall", "rebootPc", "configureURS", "lockuser")
+HOSTILE = (b"%n%s%d%99999c<b>&_", b"\xff\xfe\xc3(", bytes(range(1, 256)).replace(b"\n", b""), b"a\0b",
+           "\u202egpj.sh".encode(), b"x" * 1_000_000, b"a " * 5000, b"..%2f%00%0a%zz")
+GRANTED = ("Approved", " approved", "Initiated", "Accept", "clipboard 1", "clipboard 2", "buttonClicked")
 
 
 class Together(PromptCase):
@@ -117,6 +122,33 @@ class DoubledPrompts(Together):
         self.opens(len(SINGLE))
         self.assertEqual(self.heard(), [])
         self.assertEqual(self.session.quit(), 0)
+
+class PromptsOfAnyBytes(Together):
+    """In a "normal" session: elsewhere a sign of life could get between the pieces of a megabyte."""
+
+    def test_open_nothing_that_counts_as_granted(self):
+        self.begin(kind="normal")
+        for number, word in enumerate(WORDS, 1):
+            for field in HOSTILE:
+                self.session.send(b"dialogPrompt " + word.encode() + b" " + field + b" " + field[:100])
+            self.session.send(f"sessionStatus participantsAdd Ann {number} true")
+            self.session.log.expect("participants present", number)  # what came before has been asked by then
+            self.close_all()
+        question = self.ask("dialogPrompt configureURS the-last")
+        self.windows.close(question.window)
+        until(lambda: self.session.agent.lines()[-1:] == ["dialogResponse ursConfigureRejected the-last"],
+              lambda: self.session.agent.lines()[-3:])
+        self.assertEqual([line for line in self.heard() if any(word in line for word in GRANTED)], [])
+        self.assertEqual(self.session.warnings(), [])
+        self.assertEqual(self.session.quit(), 0)
+
+    def close_all(self):
+        def none_left():
+            for window in self.windows.managed()[1:]:
+                self.windows.close(self.windows.numbered(window))
+            return not self.dialogs()
+        until(none_left, lambda: f"no dialog is left; there is {self.application.describe()}", seconds=60)
+
 
 class ASwapOfScreens(PromptCase):
     TITLE = "Brindle"
