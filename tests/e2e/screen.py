@@ -224,8 +224,10 @@ class Windows:
     def wait_focus(self, title):
         until(lambda: self._focused_or_none() == title, lambda: f"focus on {title!r}, is {self._focused_or_none()!r}")
 
-    def wait_any_focus(self):
-        until(self._focused_or_none, "a window that has the keyboard")
+    def wait_placed(self, pid):
+        """The window manager knows a window of this process and has made up its mind about the active one."""
+        until(lambda: self.active() in self.managed() and any(self._pid(window) == pid for window in self.managed()),
+              lambda: f"a placed window of {pid}; there are {self.managed()}, active is {self.active()}")
 
     def close(self, window):
         """What a click on the frame's close box makes the window manager send."""
@@ -236,9 +238,15 @@ class Windows:
         window.send_event(message)
         self.display.flush()
 
-    def _numbers(self, name):
-        found = self.root.get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
+    def _numbers(self, name, window=None):
+        found = (window or self.root).get_full_property(self.display.intern_atom(name), X.AnyPropertyType)
         return list(found.value) if found else []
+
+    def _pid(self, identifier):
+        try:
+            return next(iter(self._numbers("_NET_WM_PID", self.numbered(identifier))), None)
+        except error.XError:  # has just gone
+            return None
 
     def _focused_or_none(self):
         try:

@@ -184,7 +184,7 @@ class Session:
         if not self._application:
             self._application = Application(self.pid)
             if not os.environ.get("NOWM"):
-                self.windows.wait_any_focus()  # the manager is done with placing the window
+                self.windows.wait_placed(self.pid)
         return self._application
 
     def send(self, text, seconds=15):
