@@ -4,6 +4,7 @@ says is listed there."""
 import os
 import pathlib
 import subprocess
+import threading
 import unittest
 
 import gi
@@ -11,7 +12,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-from pipes import PipeReader  # noqa: E402
+from pipes import PipeReader, send_text  # noqa: E402
 from screen import (Application, Windows, click, everything, grab_focus, has_state, key, sensitive,  # noqa: E402
                     shown, xdotool)
 from session import SIMULATOR, Home, SessionCase, lives, main  # noqa: E402
@@ -106,7 +107,8 @@ class Lines(ConsoleCase):
         console.find("label", r"dialogPrompt command 4711\n", only_shown=False)
         console.send("Control the device?")
         click(session.application.find("push button", "Yes"))
-        self.assertEqual(console.lists("dialogResponse controlApproved 4711")[3], "Participant 4711 may control the device")
+        answer = console.lists("dialogResponse controlApproved 4711")
+        self.assertEqual(answer[3], "Participant 4711 may control the device")
 
     def test_several_technicians_chat_and_the_customer_answers(self):
         session, console = self.start_console()
@@ -149,7 +151,8 @@ class Scripts(ConsoleCase):
         session.log.expect(" Screen Sharing is Stopped")
         console.open_page("Script")
         click(console.find("toggle button", "Record"))
-        self.assertRegex(console.script(), r"^send sessionStatus Connected\nwait \d+\nsend sessionStatus disconnected\n$")
+        self.assertRegex(console.script(),
+                         r"^send sessionStatus Connected\nwait \d+\nsend sessionStatus disconnected\n$")
         click(console.find("push button", "Play"))
         session.log.expect(" Screen Sharing is Stopped", 2)
         session.log.expect(" Screen Sharing is Started", 2)
@@ -240,9 +243,9 @@ class ByHand(unittest.TestCase):
     def setUp(self):
         home = Home()
         self.addCleanup(home.remove)
-        self.pipes = home.pipes
-        self.process = subprocess.Popen([CONSOLE, "--pipes", str(self.pipes), "--create-pipes", "--send-timeout", "2000",
-                                         "--record", str(home.path / "record")])
+        self.pipes, self.record = home.pipes, home.path / "record"
+        self.process = subprocess.Popen([CONSOLE, "--pipes", str(self.pipes), "--create-pipes", "--send-timeout",
+                                         "2000", "--record", str(self.record)])
         self.addCleanup(self.process.wait)
         self.addCleanup(self.process.kill)
         self.console = Console(self.process.pid)
@@ -267,6 +270,23 @@ class ByHand(unittest.TestCase):
         self.assertIsNone(self.console.row("PING UI"))
         click(self.console.find("check box", "Signs of life too"))
         self.console.lists("PING UI")
+
+    def test_a_switch_obeys_while_lines_pour_in(self):
+        reader = PipeReader(self.pipes / "Status")
+        self.addCleanup(reader.stop)
+        switch = self.console.find("toggle button", "Signs of life")
+        ended = threading.Event()
+        pouring = threading.Thread(target=self.pour, args=(ended,))
+        self.addCleanup(pouring.join)
+        self.addCleanup(ended.set)
+        pouring.start()
+        until(lambda: "< buttonClicked stop" in self.record.read_text(), "lines pour in")
+        click(switch)
+        reader.expect("PING UI")
+
+    def pour(self, ended):
+        while not ended.wait(0.02):  # several while a switch moves
+            send_text(self.pipes / "myfifo", "buttonClicked stop\n", seconds=5)
 
     def test_every_control_on_every_page_has_a_name(self):
         for page in ("Session", "Participants", "Questions", "Files and calls", "Swap of screens", "Chat and AR",

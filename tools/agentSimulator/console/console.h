@@ -28,7 +28,8 @@ struct Console {
 
     GtkWidget *pingSwitch = nullptr;
     GtkWidget *answerSwitch = nullptr;
-    bool isSyncing = false; ///< the switches follow the session, not the other way round
+    bool wasPinging = false, wasAnswering = false; ///< the session when the switches last followed it
+    bool isSyncing = false;                        ///< the switches follow the session, not the other way round
 
     ScriptRecording recording;
     GtkTextBuffer *script = nullptr; ///< borrowed from the script's view

@@ -15,6 +15,7 @@
 #include "src/support.h"
 
 #include <memory>
+#include <utility>
 
 namespace agentSimulator
 {
@@ -64,11 +65,19 @@ void on_answer_switched(GtkSwitch *button, GParamSpec *, Console *console)
     noteCommand(console, isOn ? "answer on" : "answer off");
 }
 
+/// Only a change of the session moves a switch: setting one, even to what it is, undoes the click that it is about to
+/// follow.
+void syncSwitch(GtkWidget *button, bool &lastState, bool state)
+{
+    if (std::exchange(lastState, state) != state)
+        gtk_switch_set_active(GTK_SWITCH(button), state);
+}
+
 void syncSwitches(Console *console)
 {
     console->isSyncing = true;
-    gtk_switch_set_active(GTK_SWITCH(console->pingSwitch), console->session->background().isPinging());
-    gtk_switch_set_active(GTK_SWITCH(console->answerSwitch), console->session->background().isAnswering());
+    syncSwitch(console->pingSwitch, console->wasPinging, console->session->background().isPinging());
+    syncSwitch(console->answerSwitch, console->wasAnswering, console->session->background().isAnswering());
     console->isSyncing = false;
 }
 
