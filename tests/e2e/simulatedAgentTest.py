@@ -23,7 +23,7 @@ class AWholeSession(SessionCase):
         (home.product / "bin/main").symlink_to(SIMULATOR)
         script, record = home.path / "script", home.path / "record"
         script.write_text(SCRIPT)
-        session = self.start(home=home, speed=5, agent=False, environment={
+        session = self.start(home=home, speed=1, agent=False, environment={
             "BRINDLE_AGENT_SCRIPT": str(script), "BRINDLE_AGENT_RECORD": str(record), "BRINDLE_AGENT_EXIT": "0"})
         session.log.expect("received techincian name Ann Lee ")
         application = session.application

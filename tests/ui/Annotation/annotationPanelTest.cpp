@@ -121,6 +121,7 @@ TEST_F(AnnotationPanel, BackToNormalEnablesTheToolsAndHidesTheHint)
     EXPECT_TRUE(isShown(mainWindow->infoBarStruct->infoBar));
     EXPECT_EQ(shownText(mainWindow->infoBarStruct->infoBarLabel),
               "Click the right mouse button to switch to cursor.");
+    ASSERT_TRUE(awaitCommands("2\n")); // two at once would be read as one
     ASSERT_TRUE(waitUntil([&] { return !isUsable(annotation->brush); }));
     click(annotation->eraseAll); // this program answers "normal"
     ASSERT_TRUE(waitUntil([&] { return isUsable(annotation->brush) && isUsable(annotation->eraseAll); }));
