@@ -230,7 +230,6 @@ void buildConsoleWindow(Console *console, const Options &options)
     console->window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(console->window), "Technician console");
     gtk_window_set_default_size(GTK_WINDOW(console->window), widthPx, heightPx);
-    gtk_window_move(GTK_WINDOW(console->window), 0, 0); // the companion comes up at the other side
     connect_signal(console->window, "delete-event", on_delete, console);
 
     GtkWidget *const halves = gtk_paned_new(GTK_ORIENTATION_VERTICAL);
