@@ -150,11 +150,14 @@ GtkWidget *buildTyping(Console *console)
     GtkWidget *const bar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
     GtkWidget *const entry = gtk_entry_new();
     GtkWidget *const button = gtk_button_new_with_mnemonic("S_end");
-    gtk_entry_set_placeholder_text(GTK_ENTRY(entry), "A script command, or a line to be sent as it stands");
+    GtkWidget *const label = buildText("Command or line", nullptr);
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), entry);
+    gtk_widget_set_tooltip_text(entry, "A script command, or a line to be sent as it stands");
     nameControl(entry, "Command");
     nameControl(button, "Send the command");
     connect_signal(entry, "activate", on_typed, console);
     connect_signal(button, "clicked", on_type_clicked, GTK_ENTRY(entry));
+    gtk_box_pack_start(GTK_BOX(bar), label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(bar), entry, TRUE, TRUE, 0);
     gtk_box_pack_end(GTK_BOX(bar), button, FALSE, FALSE, 0);
     return bar;
