@@ -22,9 +22,10 @@ class DiskCase(SessionCase):
     def open_inside(self, place):
         """A handle of the folder on the program's disk, which stays when the program has ended."""
         try:
-            if not os.path.samefile(f"/proc/{self.session.pid}/exe", PROGRAM):
+            process = f"/proc/{self.session.pid}"
+            if not os.path.samefile(f"{process}/exe", f"{process}/root{PROGRAM}"):
                 return None
-            return os.open(f"/proc/{self.session.pid}/root{place}", os.O_RDONLY | os.O_DIRECTORY)
+            return os.open(f"{process}/root{place}", os.O_RDONLY | os.O_DIRECTORY)
         except OSError:
             return None
 
