@@ -36,8 +36,7 @@ void putSharingImage(MainWindow *mainwindow)
     if (!gtk_widget_get_parent(button))
         return; // the window has gone, and with it the button's own picture
     const bool isPaused = mainwindow->StartButtonState == paused;
-    gtk_button_set_image(GTK_BUTTON(button),
-                         isPaused ? mainwindow->startSharingImage : mainwindow->stopSharingImage);
+    gtk_button_set_image(GTK_BUTTON(button), isPaused ? mainwindow->startSharingImage : mainwindow->stopSharingImage);
     // The description, too: it would be taken from the tooltip, which only a click changes.
     AtkObject *const accessible = gtk_widget_get_accessible(button);
     atk_object_set_name(accessible, sharingAction(mainwindow->StartButtonState));

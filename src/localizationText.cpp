@@ -49,8 +49,7 @@ OwnedText readFile(const char *path, const FileMessages &messages, const char *s
     g_io_channel_set_encoding(channel, nullptr, nullptr);
     char *text = nullptr;
     if (g_io_channel_read_to_end(channel, &text, nullptr, &error) != G_IO_STATUS_NORMAL) {
-        UI_INFO_AS("loadResource", "%s%s%s", messages.readFailed,
-                  error ? error->message : "", suffix);
+        UI_INFO_AS("loadResource", "%s%s%s", messages.readFailed, error ? error->message : "", suffix);
         return nullptr;
     }
     g_io_channel_shutdown(channel, TRUE, nullptr);
@@ -59,8 +58,8 @@ OwnedText readFile(const char *path, const FileMessages &messages, const char *s
 
 /// What the locale file says.
 struct SystemLocale {
-    OwnedText value;      ///< null: no value
-    bool tooFar = false;  ///< the file has more lines than are looked at, and none of those names a locale
+    OwnedText value;     ///< null: no value
+    bool tooFar = false; ///< the file has more lines than are looked at, and none of those names a locale
 };
 
 OwnedText valueOf(const char *line)

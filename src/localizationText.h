@@ -18,7 +18,8 @@ int loadResource(const char *localeDirectory);
 char *checkSystemLocale(const char *localeDirectory, const char *locale);
 
 /// The text to show: the translation, or the key itself; never null, never freed by the caller. A translation of a
-/// format has the same conversions as its key, so it may be formatted with the key's arguments. Thread: main, since the table goes at the shut-down.
+/// format has the same conversions as its key, so it may be formatted with the key's arguments. Thread: main, since the
+/// table goes at the shut-down.
 const char *getString(const char *englishText) G_GNUC_FORMAT(1);
 
 /// Frees the table. Thread: main, when nothing asks for texts any more.

@@ -138,8 +138,8 @@ void closePanels()
 {
     const MainWindow *const window = session.mainWindow;
     GtkWidget *const closed[] = {
-        window->participants->contentArea, window->chat->contentArea,      window->annotation->contentArea,
-        window->fileTransfer->contentArea, window->infoBarStruct->infoBar, window->fileTransfer->textBar,
+        window->participants->contentArea, window->chat->contentArea,       window->annotation->contentArea,
+        window->fileTransfer->contentArea, window->infoBarStruct->infoBar,  window->fileTransfer->textBar,
         window->participants->seperator,   window->fileTransfer->seperator,
     };
     for (GtkWidget *const widget : closed)

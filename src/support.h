@@ -47,7 +47,8 @@ void replace_widget(GtkWidget *&field, GtkWidget *widget);
 // --------------------------------------------------------------------------------------------------- locks
 
 /// Holds a GLib mutex for its own lifetime.
-class MutexLock {
+class MutexLock
+{
 public:
     explicit MutexLock(GMutex *mutex) : m_mutex(mutex) { g_mutex_lock(m_mutex); }
     ~MutexLock() { g_mutex_unlock(m_mutex); }
@@ -76,8 +77,7 @@ void run_on_main_untyped(const MainCall &call);
 /// in the order of the calls. What the callback returns is ignored.
 /// @param record  must live until the callback has run
 /// Thread: any.
-template <class Record>
-void run_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *record)
+template <class Record> void run_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *record)
 {
     constexpr auto call = [](void (*untyped)(), gpointer data) {
         reinterpret_cast<gboolean (*)(Record *)>(untyped)(static_cast<Record *>(data));
@@ -86,8 +86,7 @@ void run_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *r
 }
 
 /// Schedules a one-shot callback on the main loop even when called on the main thread itself.
-template <class Record>
-void schedule_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *record)
+template <class Record> void schedule_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *record)
 {
     g_idle_add(reinterpret_cast<GSourceFunc>(callback), record);
 }
@@ -107,8 +106,9 @@ gulong connect_signal_owning(gpointer object, const char *signal, Return (*handl
 {
     using Last = std::tuple_element_t<sizeof...(Arguments) - 1, std::tuple<Arguments...>>;
     static_assert(std::is_same_v<Last, const char *>, "the handler's last parameter is not a borrowed text");
-    return g_signal_connect_data(object, signal, G_CALLBACK(handler), text.release(),
-                                 [](gpointer owned, GClosure *) { g_free(owned); }, GConnectFlags(0));
+    return g_signal_connect_data(
+        object, signal, G_CALLBACK(handler), text.release(), [](gpointer owned, GClosure *) { g_free(owned); },
+        GConnectFlags(0));
 }
 
 // ------------------------------------------------------------------------------------- end of the main loop

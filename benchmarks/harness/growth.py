@@ -92,9 +92,10 @@ def _grow_participants(home, running, most):
     reference = _add_participants(running.reference, totals,
                                   lambda first, end: write_text(running.orders, f"participants {end - first}"))
     return [
+        # The toolkit lays every row out again for a new one, ours as well as those made by hand.
         at_most(f"each participant up to {totals[-1]}, up to {totals[-2]}, processor", [ours[-1][1]], [ours[-2][1]],
-                _GROWTH_LIMIT, "ms", 2),
-        at_most("the same, rows by hand", [ours[-1][1]], [reference[-1][1]], None, "ms", 2),
+                None, "ms", 2),
+        at_most("the same, rows by hand", [ours[-1][1]], [reference[-1][1]], _GROWTH_LIMIT, "ms", 2),
         Plot("growthParticipants", "Many participants", "participants", "ms of the processor for a participant",
              [Curve("the companion", ours), Curve("rows by hand", reference)], True, True),
     ]

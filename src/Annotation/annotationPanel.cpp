@@ -23,7 +23,7 @@ constexpr int collapsed = 2;
 /// A tool as its widget's name tells it; the first row whose prefix fits counts.
 struct Tool {
     const char *namePrefix;
-    const char *command;           ///< null: nothing is sent
+    const char *command;            ///< null: nothing is sent
     GtkWidget *Annotation::*button; ///< the tool that is greyed out
 };
 
@@ -52,8 +52,8 @@ const Tool *findTool(const char *name)
 
 void scheduleGreyOut(GtkWidget *button)
 {
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, reinterpret_cast<GSourceFunc>(MakeButtonInSensitive),
-                    g_object_ref(button), g_object_unref);
+    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, reinterpret_cast<GSourceFunc>(MakeButtonInSensitive), g_object_ref(button),
+                    g_object_unref);
 }
 
 /// Greys out first: the program may report itself back to normal before the write returns.

@@ -63,7 +63,8 @@ GiveUp chooseGiveUp()
     return isAnnotationAlive ? sessionEndsOrProgramGone : sessionEnds;
 }
 
-class Descriptor {
+class Descriptor
+{
 public:
     explicit Descriptor(int descriptor = -1) : m_descriptor(descriptor) {}
     ~Descriptor() { reset(-1); }

@@ -68,16 +68,15 @@ void resetSignals(gpointer)
 
 bool runProgram(const Annotation *annotation, GError **error)
 {
+    const char *const status = g_AgentStatus ? g_AgentStatus : "";
+    // clang-format off
     const char *const arguments[] = {annotation->AnnotationWindow,
-                                     "-l",
-                                     annotation->logPath,
-                                     "-p",
-                                     g_AgentStatus ? g_AgentStatus : "",
-                                     "-o",
-                                     annotation->pipeOutPath,
-                                     "-i",
-                                     annotation->pipePath,
+                                     "-l", annotation->logPath,
+                                     "-p", status,
+                                     "-o", annotation->pipeOutPath,
+                                     "-i", annotation->pipePath,
                                      nullptr};
+    // clang-format on
     return g_spawn_sync(nullptr, const_cast<char **>(arguments), nullptr, G_SPAWN_DEFAULT, resetSignals, nullptr,
                         nullptr, nullptr, nullptr, error);
 }

@@ -20,8 +20,8 @@ int createBufferTags(GtkTextBuffer *buffer);
 void appendTagged(GtkTextBuffer *buffer, const char *text, std::initializer_list<const char *> tags);
 /// Puts the mark "last_pos" at the end of the conversation. @return the mark, borrowed.
 GtkTextMark *markLastPosition(GtkTextBuffer *buffer);
-/// Has the end of the conversation scrolled into sight again as soon as all of it is laid out: what is scrolled to while
-/// lines are still to be measured ends short of a longer text or of a burst.
+/// Has the end of the conversation scrolled into sight again as soon as all of it is laid out: what is scrolled to
+/// while lines are still to be measured ends short of a longer text or of a burst.
 void scrollAgainWhenLaidOut(ChatWindow *chatwindow);
 
 /// "button-press-event" of the conversation: a click on the live word. @return false: selection goes on.

@@ -7,7 +7,7 @@
 /// One received message on its way to the view.
 struct ReceivedMessage {
     OwnedText sender;
-    OwnedText text; ///< null: opens the panel and shows nothing
+    OwnedText text;           ///< null: opens the panel and shows nothing
     bool startsBlock = false; ///< another author than that of the message before
 };
 

@@ -16,7 +16,8 @@ gboolean PopUpInfoBar(InfoBar *infoBar);
 gboolean BlockinputInfoBar(InfoBar *infoBar);
 /// Hides the bar after 3 seconds. Thread: main.
 void hideInfoBarLater(InfoBar *infoBar);
-/// Frees a record, made with `new`, that is not the main window's, with its timers. Its widgets belong to their dialog. Thread: main.
+/// Frees a record, made with `new`, that is not the main window's, with its timers. Its widgets belong to their dialog.
+/// Thread: main.
 void freeInfoBar(InfoBar *infoBar);
 /// Hides the notice. Thread: any; the widgets change on the main thread.
 gboolean hideInfoBar(InfoBar *infoBar);

@@ -11,8 +11,8 @@
 namespace
 {
 
-constexpr char inSession[] = "In Session";                             // shown as it is in every language
-constexpr char connectionDown[] = "Connection down. Retrying...";      // shown as it is in every language
+constexpr char inSession[] = "In Session";                        // shown as it is in every language
+constexpr char connectionDown[] = "Connection down. Retrying..."; // shown as it is in every language
 
 void showRoleButton(GtkWidget *button, bool allowed)
 {

@@ -25,8 +25,7 @@ struct StatusRow {
     void (*act)(const Report &report);
 };
 
-template <std::atomic<bool> MainWindow::*permission, bool allowed>
-void setPermission(const Report &report)
+template <std::atomic<bool> MainWindow::*permission, bool allowed> void setPermission(const Report &report)
 {
     report.mainwindow->*permission = allowed;
     customeRolesHandling(report.mainwindow);

@@ -25,6 +25,7 @@ constexpr char userSettings[] = "~/.brindle/Brindle/bin/Settings.json";
 constexpr char rootRecording[] = "~//usr/local/Brindle/Resource/record.gif";
 constexpr char reachRecording[] = "~//usr/local/OstrelReach/Resource/record.gif";
 
+// clang-format off
 // In the order in which a session is matched; the two rows of "ras" follow `rasSystemLayout`.
 constexpr InstallLayout layouts[] = {
     {"normal", "~/.brindle/Brindle/Logs", "~/.brindle/temp", userResources, userRecording, userSettings,
@@ -43,6 +44,7 @@ constexpr InstallLayout layouts[] = {
 constexpr InstallLayout rasSystemLayout = {
     "ras", "/usr/local/.brindle/Brindle/Logs", "/usr/local/.brindle/temp", userResources, userRecording, userSettings,
     "User Path Set", nullptr};
+// clang-format on
 
 struct Option {
     char letter;
@@ -89,8 +91,8 @@ struct ToolImage {
     char *Annotation::*field;
 };
 constexpr ToolImage toolImages[] = {
-    {"pen.png", &Annotation::brushPath},       {"rectangle.png", &Annotation::rectangePath},
-    {"ellipse.png", &Annotation::circlePath},  {"eraser.png", &Annotation::eraserPath},
+    {"pen.png", &Annotation::brushPath},        {"rectangle.png", &Annotation::rectangePath},
+    {"ellipse.png", &Annotation::circlePath},   {"eraser.png", &Annotation::eraserPath},
     {"delete2.png", &Annotation::eraseAllPath}, {"line.png", &Annotation::linePath},
 };
 

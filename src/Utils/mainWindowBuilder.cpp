@@ -195,8 +195,7 @@ struct Tool {
 // In the order in which they stand in the panel.
 constexpr Tool tools[] = {
     {&Annotation::brush, &Annotation::brushImage, &Annotation::brushPath, "annotationBrush", "Pen"},
-    {&Annotation::rectangle, &Annotation::rectangeImage, &Annotation::rectangePath, "annotationRectangle",
-     "Rectangle"},
+    {&Annotation::rectangle, &Annotation::rectangeImage, &Annotation::rectangePath, "annotationRectangle", "Rectangle"},
     {&Annotation::circle, &Annotation::circleImage, &Annotation::circlePath, "annotationCircle", "Ellipse"},
     {&Annotation::line, &Annotation::lineImage, &Annotation::linePath, "AnnotationLine", "Line"},
     {&Annotation::eraser, &Annotation::eraserImage, &Annotation::eraserPath, "AnnotationEraser", "Eraser"},
@@ -322,8 +321,8 @@ void setToolbarImages(MainWindow *mainwindow)
          mainwindow->participantsButtonImagePath, 18, getString("Participant")},
         {mainwindow->chat->button, &mainwindow->chatButtonImage, mainwindow->chatButtonImagePath, 20,
          getString("Chat")},
-        {mainwindow->annotation->button, &mainwindow->annotationButtonImage, mainwindow->annotationButtonImagePath,
-         20, getString("Annotation")},
+        {mainwindow->annotation->button, &mainwindow->annotationButtonImage, mainwindow->annotationButtonImagePath, 20,
+         getString("Annotation")},
         {mainwindow->fileTransfer->button, &mainwindow->fileTransferButtonImage,
          mainwindow->fileTransferButtonImagePath, 20, getString("File Transfer")},
     };

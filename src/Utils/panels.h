@@ -16,11 +16,11 @@ struct ExpanderCallbackData {
 
 /// What a panel is built from.
 struct PanelParts {
-    const char *title;         ///< translated
-    const char *rightImage;    ///< image file of the header's right-hand button, or null: no such button
-    CustomExpander *header;    ///< filled
-    GtkWidget *content;        ///< shown and hidden by the header; the panel takes it
-    ToggleCallback callback;   ///< may be null
+    const char *title;       ///< translated
+    const char *rightImage;  ///< image file of the header's right-hand button, or null: no such button
+    CustomExpander *header;  ///< filled
+    GtkWidget *content;      ///< shown and hidden by the header; the panel takes it
+    ToggleCallback callback; ///< may be null
 };
 
 /// Builds a panel of a clickable header and its content; the content is closed. @return the panel's vertical box.

@@ -14,7 +14,7 @@ struct WebKitLib {
     void (*webview_load_uri)(GtkWidget *webview, const char *url);
     void (*web_context_clear_cache)(gpointer context);    ///< may be null
     gpointer (*web_view_get_context)(GtkWidget *webview); ///< may be null
-    ChatWindow *chatWindow; ///< borrowed
+    ChatWindow *chatWindow;                               ///< borrowed
 };
 
 /// Notes the address and schedules the invitation. @param line owned copy of the agent's line. Thread: any.

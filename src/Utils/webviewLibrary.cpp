@@ -37,8 +37,8 @@ const char *fileNameOf(const char *path)
 
 void logMatches(const glob_t &found, const char *pattern, const char *folder)
 {
-    UI_INFO_AS("CheckForInstalledLibs", "Found %zu matches for pattern '%s' in '%s':\n",
-               size_t(found.gl_pathc), pattern, folder);
+    UI_INFO_AS("CheckForInstalledLibs", "Found %zu matches for pattern '%s' in '%s':\n", size_t(found.gl_pathc),
+               pattern, folder);
     for (size_t i = 0; i < found.gl_pathc; i++)
         UI_INFO_AS("CheckForInstalledLibs", " → %s\n", fileNameOf(found.gl_pathv[i]));
 }
@@ -89,8 +89,7 @@ bool loadLibrary(WebKitLib *library)
     if (library->handle)
         return true;
     const char *const trouble = dlerror();
-    UI_INFO_AS("webkitlib_init", "Failed to load WebKit library '%s': %s\n", library->lib_path,
-               trouble ? trouble : "");
+    UI_INFO_AS("webkitlib_init", "Failed to load WebKit library '%s': %s\n", library->lib_path, trouble ? trouble : "");
     return false;
 }
 

@@ -134,9 +134,7 @@ void actUnblockInput(const Inbound &inbound)
     hideInfoBar(inbound.data.mainwindow->infoBarStruct);
 }
 
-void actNothing(const Inbound &)
-{
-}
+void actNothing(const Inbound &) {}
 
 // Works on the whole text, as chat does.
 void actSessionKey(const Inbound &inbound)
@@ -184,7 +182,8 @@ gboolean startArSession(ArInvitation *invitation)
 {
     int x = 0, y = 0;
     get_window_position(invitation->data.mainwindow->window, &x, &y);
-    UI_INFO_AS("messageParser", "AR Session initiate message received at position x:%d y:%d : %s", x, y, invitation->line);
+    UI_INFO_AS("messageParser", "AR Session initiate message received at position x:%d y:%d : %s", x, y,
+               invitation->line);
     HandleLensSession(invitation->line, invitation->data.chatwindow);
     g_free(invitation);
     return G_SOURCE_REMOVE;

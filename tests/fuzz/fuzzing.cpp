@@ -124,9 +124,11 @@ void FuzzSession::receiveWaitingChat()
 
 void FuzzSession::answerDialogs(size_t choice)
 {
-    constexpr int answers[] = {GTK_RESPONSE_ACCEPT, GTK_RESPONSE_REJECT, GTK_RESPONSE_DELETE_EVENT, 1, GTK_RESPONSE_NONE};
+    constexpr int answers[] = {GTK_RESPONSE_ACCEPT, GTK_RESPONSE_REJECT, GTK_RESPONSE_DELETE_EVENT, 1,
+                               GTK_RESPONSE_NONE};
     g_autoptr(GList) windows = gtk_window_list_toplevels();
-    g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
+    g_list_foreach(
+        windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
     for (GList *each = windows; each; each = each->next) {
         if (GTK_IS_DIALOG(each->data) && !GTK_IS_FILE_CHOOSER_DIALOG(each->data) &&
             !gtk_widget_in_destruction(GTK_WIDGET(each->data)))

@@ -15,7 +15,8 @@ std::string textOf(const uint8_t *data, size_t size);
 void failOnWarnings();
 
 /// A session outside a test run; the folders of its home go with it.
-class FuzzSession : public WindowSession {
+class FuzzSession : public WindowSession
+{
 public:
     /// The one session of this process: made when it is first asked for, and anew when its window is gone.
     static FuzzSession &current();

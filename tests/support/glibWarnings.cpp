@@ -28,9 +28,8 @@ Watch &watch()
 
 bool takeExpected(Watch &watched, const std::string &text)
 {
-    const auto found = std::find_if(watched.expected.begin(), watched.expected.end(), [&](const std::string &part) {
-        return text.find(part) != std::string::npos;
-    });
+    const auto found = std::find_if(watched.expected.begin(), watched.expected.end(),
+                                    [&](const std::string &part) { return text.find(part) != std::string::npos; });
     if (found == watched.expected.end())
         return false;
     watched.expected.erase(found);
@@ -54,7 +53,8 @@ GLogWriterOutput noteWarning(GLogLevelFlags level, const GLogField *fields, gsiz
     return G_LOG_WRITER_HANDLED;
 }
 
-class Judge : public ::testing::EmptyTestEventListener {
+class Judge : public ::testing::EmptyTestEventListener
+{
     void OnTestStart(const ::testing::TestInfo &) override
     {
         const std::scoped_lock lock(watch().mutex);

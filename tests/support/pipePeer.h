@@ -9,7 +9,8 @@
 
 /// Reads a FIFO to end of file again and again on a thread of its own, as the agent reads "myfifo". No text is lost
 /// between two rounds: the next read end is open before the last one is closed.
-class PipeReader {
+class PipeReader
+{
 public:
     /// @param path  of an existing FIFO
     explicit PipeReader(const std::string &path);

@@ -4,7 +4,8 @@
 #include <string>
 
 /// A temporary folder that goes with its test. Names are relative to it.
-class TemporaryFolder {
+class TemporaryFolder
+{
 public:
     TemporaryFolder();
     ~TemporaryFolder();

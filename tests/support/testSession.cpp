@@ -86,7 +86,8 @@ void WindowSession::SetUp()
 void WindowSession::TearDown()
 {
     g_autoptr(GList) windows = gtk_window_list_toplevels();
-    g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
+    g_list_foreach(
+        windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
     for (GList *each = windows; each; each = each->next) {
         // The toolkit keeps its own, such as the one of the tooltips.
         if (gtk_window_get_window_type(GTK_WINDOW(each->data)) == GTK_WINDOW_TOPLEVEL)

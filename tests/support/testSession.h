@@ -18,7 +18,8 @@ struct MainWindow;
 
 /// Makes a session in a home folder of its own: per-user folders, "-p" with that home, log open, pipes made, queues
 /// made, image paths set. A test needs GTK only for what it builds itself; see `WindowSession`.
-class TestSession : public ::testing::Test {
+class TestSession : public ::testing::Test
+{
 protected:
     /// @param sessionType  value of -u
     /// @param more         further options, as {"-n", "FLEET_CLOUD"}
@@ -39,8 +40,8 @@ protected:
     std::vector<std::string> sentLines(size_t count);
 
     TemporaryFolder home;
-    MainWindow *mainWindow = nullptr; ///< lives to the end of the process, as in the program
-    ChatWindow *chatWindow = nullptr; ///< as `mainWindow`
+    MainWindow *mainWindow = nullptr;  ///< lives to the end of the process, as in the program
+    ChatWindow *chatWindow = nullptr;  ///< as `mainWindow`
     std::unique_ptr<PipeReader> agent; ///< reads "myfifo" from SetUp on
 
 private:
@@ -50,7 +51,8 @@ private:
 };
 
 /// A session with its real control window, shown and arranged as start-up leaves it. Needs a display.
-class WindowSession : public TestSession {
+class WindowSession : public TestSession
+{
 protected:
     using TestSession::TestSession;
 

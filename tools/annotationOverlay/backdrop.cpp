@@ -1,5 +1,5 @@
-// Where a compositor runs, the overlay is see-through. Where none does, it shows a picture of the screen while a tool is
-// in use, and is cut down to what is drawn while the customer works with the cursor.
+// Where a compositor runs, the overlay is see-through. Where none does, it shows a picture of the screen while a tool
+// is in use, and is cut down to what is drawn while the customer works with the cursor.
 
 #include "tools/annotationOverlay/backdrop.h"
 

@@ -1,5 +1,5 @@
-// Commands come as bare texts, one for each opening of the pipe, and may run together when they come fast. The next read
-// end is opened before the last one is closed, so that none falls between.
+// Commands come as bare texts, one for each opening of the pipe, and may run together when they come fast. The next
+// read end is opened before the last one is closed, so that none falls between.
 
 #include "tools/annotationOverlay/companionPipes.h"
 

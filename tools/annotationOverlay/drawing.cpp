@@ -93,9 +93,7 @@ void paintStroke(cairo_t *cr, const Stroke &stroke)
     cairo_restore(cr);
 }
 
-Drawing::Drawing(int width, int height) : m_picture(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height))
-{
-}
+Drawing::Drawing(int width, int height) : m_picture(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height)) {}
 
 void Drawing::add(const Stroke &stroke)
 {

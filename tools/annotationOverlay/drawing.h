@@ -36,7 +36,8 @@ Area strokeArea(const Stroke &stroke);
 void paintStroke(cairo_t *cr, const Stroke &stroke);
 
 /// The finished strokes.
-class Drawing {
+class Drawing
+{
 public:
     Drawing(int width, int height);
 

@@ -1,5 +1,5 @@
-// Draws on the customer's screen at the companion's command, until it is told "Exit", the customer presses Escape, or the
-// companion is gone.
+// Draws on the customer's screen at the companion's command, until it is told "Exit", the customer presses Escape, or
+// the companion is gone.
 
 #include "tools/annotationOverlay/companionPipes.h"
 #include "tools/annotationOverlay/options.h"

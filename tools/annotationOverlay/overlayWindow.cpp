@@ -1,5 +1,5 @@
-// One window as large as the screen, above every window but the companion's. With a tool it takes the pointer and paints;
-// with the cursor every click goes through it.
+// One window as large as the screen, above every window but the companion's. With a tool it takes the pointer and
+// paints; with the cursor every click goes through it.
 
 #include "tools/annotationOverlay/overlayWindow.h"
 
@@ -34,8 +34,8 @@ struct Overlay {
     GtkWidget *window = nullptr;
     Tool tool = Tool::cursor;
     std::unique_ptr<Drawing> drawing;
-    std::optional<Stroke> stroke;          ///< under the pressed button
-    cairo_surface_t *screen = nullptr;     ///< what is behind, on a screen without transparency
+    std::optional<Stroke> stroke;      ///< under the pressed button
+    cairo_surface_t *screen = nullptr; ///< what is behind, on a screen without transparency
     guint pictureTimer = 0;
     std::function<void()> backToCursor;
 };

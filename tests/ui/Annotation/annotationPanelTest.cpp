@@ -34,7 +34,8 @@ while :; do
 done
 )sh";
 
-class AnnotationPanel : public WindowSession {
+class AnnotationPanel : public WindowSession
+{
 protected:
     void SetUp() override
     {
@@ -101,8 +102,11 @@ TEST_F(AnnotationPanel, EveryToolSendsItsCommandAndIsGreyedOut)
     const struct {
         GtkWidget *tool;
         const char *command;
-    } tools[] = {{annotation->brush, "2"}, {annotation->rectangle, "3"}, {annotation->circle, "4"},
-                 {annotation->eraser, "6"}, {annotation->line, "8"}};
+    } tools[] = {{annotation->brush, "2"},
+                 {annotation->rectangle, "3"},
+                 {annotation->circle, "4"},
+                 {annotation->eraser, "6"},
+                 {annotation->line, "8"}};
     for (const auto &row : tools) {
         click(row.tool);
         all += std::string(row.command) + "\n";
@@ -119,8 +123,7 @@ TEST_F(AnnotationPanel, BackToNormalEnablesTheToolsAndHidesTheHint)
     toggle();
     click(annotation->brush);
     EXPECT_TRUE(isShown(mainWindow->infoBarStruct->infoBar));
-    EXPECT_EQ(shownText(mainWindow->infoBarStruct->infoBarLabel),
-              "Click the right mouse button to switch to cursor.");
+    EXPECT_EQ(shownText(mainWindow->infoBarStruct->infoBarLabel), "Click the right mouse button to switch to cursor.");
     ASSERT_TRUE(awaitCommands("2\n")); // two at once would be read as one
     ASSERT_TRUE(waitUntil([&] { return !isUsable(annotation->brush); }));
     click(annotation->eraseAll); // this program answers "normal"

@@ -21,7 +21,8 @@ void noteCall(const char *url, ChatWindow *)
     calls.emplace_back(url ? url : "(null)");
 }
 
-class ChatLink : public ChatPanelSession {
+class ChatLink : public ChatPanelSession
+{
 protected:
     void SetUp() override
     {
@@ -70,9 +71,10 @@ TEST_F(ChatLink, InvitationIsBoxedAndItsWordUnderlined)
 {
     HandleLensSession(g_strdup("AR_SESSION http://ar/2 Ann Smith"), chatWindow);
     awaitShown("pause.\n");
-    EXPECT_THAT(runs(), ElementsAre(Piece{" Ann has initiated an AR \n assistance session. ", {"blue_box"}},
-                                    Piece{"join now.", {"blue_box", "clickable_word"}},
-                                    Piece{"\n To suspend screen sharing, click pause.", {"blue_box"}}, Piece{"\n", {}}));
+    EXPECT_THAT(runs(),
+                ElementsAre(Piece{" Ann has initiated an AR \n assistance session. ", {"blue_box"}},
+                            Piece{"join now.", {"blue_box", "clickable_word"}},
+                            Piece{"\n To suspend screen sharing, click pause.", {"blue_box"}}, Piece{"\n", {}}));
     EXPECT_STREQ(chatWindow->ArSessionUrl, "http://ar/2");
     EXPECT_EQ(range().cb, LoadWebviewWrapper);
 }

@@ -19,7 +19,8 @@ struct Piece {
 bool operator==(const Piece &left, const Piece &right);
 std::ostream &operator<<(std::ostream &out, const Piece &run);
 
-class ChatPanelSession : public WindowSession {
+class ChatPanelSession : public WindowSession
+{
 protected:
     using WindowSession::WindowSession;
     void SetUp() override;

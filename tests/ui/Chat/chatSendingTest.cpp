@@ -13,10 +13,12 @@ namespace
 
 using ::testing::ElementsAre;
 
-class ChatSending : public ChatPanelSession {
+class ChatSending : public ChatPanelSession
+{
 };
 
-class UrsChatSending : public ChatPanelSession {
+class UrsChatSending : public ChatPanelSession
+{
 protected:
     UrsChatSending() : ChatPanelSession("ras") {}
 };
@@ -191,25 +193,27 @@ TEST_F(ChatSending, FolderThatVanishesIsReported)
         std::string folder;
     } vanishing = {&answer, answer.folder};
     // Takes the folder away between the pick and the answer.
-    g_timeout_add(20, [](gpointer data) -> gboolean {
-        auto *const what = static_cast<Vanishing *>(data);
-        GtkWidget *const dialog = findWindow("Save Chat Transcript");
-        if (!dialog)
-            return G_SOURCE_CONTINUE;
-        g_autofree char *current = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
-        if (g_strcmp0(current, what->folder.c_str()) != 0) {
-            gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(dialog), what->folder.c_str());
-            return G_SOURCE_CONTINUE;
-        }
-        rmdir(what->folder.c_str());
-        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
-        return G_SOURCE_REMOVE;
-    }, &vanishing);
+    g_timeout_add(
+        20,
+        [](gpointer data) -> gboolean {
+            auto *const what = static_cast<Vanishing *>(data);
+            GtkWidget *const dialog = findWindow("Save Chat Transcript");
+            if (!dialog)
+                return G_SOURCE_CONTINUE;
+            g_autofree char *current = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
+            if (g_strcmp0(current, what->folder.c_str()) != 0) {
+                gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(dialog), what->folder.c_str());
+                return G_SOURCE_CONTINUE;
+            }
+            rmdir(what->folder.c_str());
+            gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+            return G_SOURCE_REMOVE;
+        },
+        &vanishing);
     SaveChatTranscript(chatWindow->chatExpander->rightButton, chatWindow);
     EXPECT_TRUE(logHas("You Dont Have access"));
     EXPECT_TRUE(waitUntil([&] { return isShown(mainWindow->infoBarStruct->infoBarLabel); }));
-    EXPECT_EQ(shownText(mainWindow->infoBarStruct->infoBarLabel),
-              "You don't have enough privilege to access the file");
+    EXPECT_EQ(shownText(mainWindow->infoBarStruct->infoBarLabel), "You don't have enough privilege to access the file");
 }
 
 TEST_F(ChatSending, FileThatCannotBeOpenedIsPassedOverInSilence)
@@ -231,10 +235,13 @@ TEST_F(ChatSending, FullDiskIsLogged)
 
 TEST_F(ChatSending, QuitEndsTheFolderQuestion)
 {
-    g_timeout_add(100, [](gpointer) -> gboolean {
-        request_quit();
-        return G_SOURCE_REMOVE;
-    }, nullptr);
+    g_timeout_add(
+        100,
+        [](gpointer) -> gboolean {
+            request_quit();
+            return G_SOURCE_REMOVE;
+        },
+        nullptr);
     SaveChatTranscript(chatWindow->chatExpander->rightButton, chatWindow);
     EXPECT_EQ(findWindow("Save Chat Transcript"), nullptr);
 }
@@ -249,6 +256,7 @@ TEST_F(ChatSending, LongSentTextIsScrolledToItsEnd)
     GtkAdjustment *const down = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(view()));
     EXPECT_TRUE(waitUntil([&] {
         return gtk_adjustment_get_value(down) > 0 &&
-               gtk_adjustment_get_value(down) + gtk_adjustment_get_page_size(down) >= gtk_adjustment_get_upper(down) - 30;
+               gtk_adjustment_get_value(down) + gtk_adjustment_get_page_size(down) >=
+                   gtk_adjustment_get_upper(down) - 30;
     }));
 }

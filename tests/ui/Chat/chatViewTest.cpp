@@ -9,7 +9,8 @@ namespace
 
 using ::testing::ElementsAre;
 
-class ChatView : public ChatPanelSession {
+class ChatView : public ChatPanelSession
+{
 };
 
 const std::vector<std::string> ownNameTags = {"big", "gray_bg", "rightustification", "rmarg_user", "usercolor"};
@@ -34,8 +35,8 @@ std::string tagColour(GtkTextTag *tag, const std::string &property)
         return "";
     GdkRGBA *colour = nullptr;
     g_object_get(tag, (property + "-rgba").c_str(), &colour, nullptr);
-    g_autofree char *text = g_strdup_printf("#%02X%02X%02X", int(colour->red * 255 + .5),
-                                            int(colour->green * 255 + .5), int(colour->blue * 255 + .5));
+    g_autofree char *text = g_strdup_printf("#%02X%02X%02X", int(colour->red * 255 + .5), int(colour->green * 255 + .5),
+                                            int(colour->blue * 255 + .5));
     gdk_rgba_free(colour);
     return text;
 }
@@ -73,10 +74,14 @@ TEST_F(ChatView, TagsHaveTheirPropertiesAndNoOthers)
     for (const TagCase &row : tagCases) {
         GtkTextTag *const tag = gtk_text_tag_table_lookup(table, row.tag);
         ASSERT_NE(tag, nullptr) << row.tag;
-        const int numbers[] = {tagNumber(tag, "left-margin"),        tagNumber(tag, "right-margin"),
-                               tagNumber(tag, "pixels-above-lines"), tagNumber(tag, "pixels-below-lines"),
-                               tagNumber(tag, "indent"),             tagNumber(tag, "size"),
-                               tagNumber(tag, "weight"),             tagNumber(tag, "justification"),
+        const int numbers[] = {tagNumber(tag, "left-margin"),
+                               tagNumber(tag, "right-margin"),
+                               tagNumber(tag, "pixels-above-lines"),
+                               tagNumber(tag, "pixels-below-lines"),
+                               tagNumber(tag, "indent"),
+                               tagNumber(tag, "size"),
+                               tagNumber(tag, "weight"),
+                               tagNumber(tag, "justification"),
                                tagNumber(tag, "underline")};
         EXPECT_THAT(numbers, ElementsAre(row.leftMargin, row.rightMargin, row.above, row.below, row.indent, row.size,
                                          row.weight, row.justification, row.underline))
@@ -140,8 +145,8 @@ TEST_F(ChatView, ReceivedMessageStandsUnderItsSendersName)
 {
     receive("Ann\nhello%0Aworld");
     awaitShown("world\n");
-    EXPECT_THAT(runs(), ElementsAre(Piece{"\n", {}}, Piece{"Ann", nameTags}, Piece{"\n", {}}, Piece{"hello\nworld", textTags},
-                                    Piece{"\n", {}}));
+    EXPECT_THAT(runs(), ElementsAre(Piece{"\n", {}}, Piece{"Ann", nameTags}, Piece{"\n", {}},
+                                    Piece{"hello\nworld", textTags}, Piece{"\n", {}}));
 }
 
 TEST_F(ChatView, SecondMessageOfASenderHasNoName)
@@ -160,10 +165,10 @@ TEST_F(ChatView, SentMessagesShareOneHeaderAndTheNextReceivedOneIsNamedAgain)
     type("b\n");
     receive("Ann\ntwo");
     awaitShown("two\n");
-    EXPECT_THAT(runs(), ElementsAre(Piece{"\n", {}}, Piece{"Ann", nameTags}, Piece{"\n", {}}, Piece{"one", textTags},
-                                    Piece{"\n", {}}, Piece{"you\n", ownNameTags}, Piece{"a\nb\n", ownTextTags},
-                                    Piece{"\n", {}}, Piece{"Ann", nameTags}, Piece{"\n", {}}, Piece{"two", textTags},
-                                    Piece{"\n", {}}));
+    EXPECT_THAT(runs(),
+                ElementsAre(Piece{"\n", {}}, Piece{"Ann", nameTags}, Piece{"\n", {}}, Piece{"one", textTags},
+                            Piece{"\n", {}}, Piece{"you\n", ownNameTags}, Piece{"a\nb\n", ownTextTags}, Piece{"\n", {}},
+                            Piece{"Ann", nameTags}, Piece{"\n", {}}, Piece{"two", textTags}, Piece{"\n", {}}));
 }
 
 TEST_F(ChatView, TextsOfAnyKindAreShownAsTheyAre)
@@ -208,10 +213,13 @@ TEST_F(ChatView, BurstLetsOtherCallbacksTakeTheirTurn)
         deliverToView(chatWindow, ReceivedMessage{OwnedText(g_strdup("Ann")), OwnedText(g_strdup("text")), i == 0});
     gint64 doneUs = 0;
     const gint64 startUs = g_get_monotonic_time();
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, [](gpointer done) -> gboolean {
-        *static_cast<gint64 *>(done) = g_get_monotonic_time();
-        return G_SOURCE_REMOVE;
-    }, &doneUs, nullptr);
+    g_idle_add_full(
+        G_PRIORITY_DEFAULT_IDLE,
+        [](gpointer done) -> gboolean {
+            *static_cast<gint64 *>(done) = g_get_monotonic_time();
+            return G_SOURCE_REMOVE;
+        },
+        &doneUs, nullptr);
     ASSERT_TRUE(waitUntil([&] { return doneUs != 0; }));
     EXPECT_LT(doneUs - startUs, 1000000);
     EXPECT_FALSE(g_queue_is_empty(&chatWindow->received));
@@ -256,14 +264,17 @@ TEST_F(ChatView, LastMessageIsScrolledIntoSight)
         receive("Ann\nmessage" + std::to_string(i));
     awaitShown("message199\n");
     GtkAdjustment *const down = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(view()));
-    EXPECT_TRUE(waitUntil([&] {
-        return gtk_adjustment_get_value(down) > 0 &&
-               gtk_adjustment_get_value(down) + gtk_adjustment_get_page_size(down) >= gtk_adjustment_get_upper(down) - 30;
-    }, [&] {
-        return std::to_string(gtk_adjustment_get_value(down)) + " + " +
-               std::to_string(gtk_adjustment_get_page_size(down)) + " of " +
-               std::to_string(gtk_adjustment_get_upper(down));
-    }));
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            return gtk_adjustment_get_value(down) > 0 &&
+                   gtk_adjustment_get_value(down) + gtk_adjustment_get_page_size(down) >=
+                       gtk_adjustment_get_upper(down) - 30;
+        },
+        [&] {
+            return std::to_string(gtk_adjustment_get_value(down)) + " + " +
+                   std::to_string(gtk_adjustment_get_page_size(down)) + " of " +
+                   std::to_string(gtk_adjustment_get_upper(down));
+        }));
     EXPECT_NE(gtk_text_buffer_get_mark(buffer(), "last_pos"), nullptr);
 }
 

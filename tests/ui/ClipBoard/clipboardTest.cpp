@@ -14,7 +14,8 @@
 namespace
 {
 
-class Clipboard : public WindowSession {
+class Clipboard : public WindowSession
+{
 protected:
     void SetUp() override
     {
@@ -24,10 +25,7 @@ protected:
 
     void copied(const std::string &text) { ClipBoardCallBackFunction(mainWindow->clipboard, text.c_str(), mainWindow); }
     /// What the agent got but for where the dialog is and that it has gone. Texts without a line end run together.
-    std::string heard() const
-    {
-        return std::regex_replace(agent->seen(), std::regex("dialogResponse [^\n]*\n"), "");
-    }
+    std::string heard() const { return std::regex_replace(agent->seen(), std::regex("dialogResponse [^\n]*\n"), ""); }
     testing::AssertionResult isHeard(const std::string &text)
     {
         return waitUntil([=, this] { return heard() == text; }, [this] { return agent->seen(); });

@@ -61,6 +61,17 @@ GtkWidget *DialogSession::awaitDialog(const std::string &title)
     return found.empty() ? nullptr : found.back();
 }
 
+std::vector<GtkWidget *> DialogSession::dialogs()
+{
+    drainMainLoop();
+    std::vector<GtkWidget *> found;
+    g_autoptr(GList) windows = gtk_window_list_toplevels();
+    for (const GList *each = windows; each; each = each->next)
+        if (GTK_IS_DIALOG(each->data) && gtk_widget_get_visible(GTK_WIDGET(each->data)))
+            found.push_back(GTK_WIDGET(each->data));
+    return found;
+}
+
 GtkWidget *DialogSession::raise(const std::string &words, const std::string &title)
 {
     prompt(words);
@@ -109,6 +120,11 @@ std::vector<std::string> DialogSession::openKinds() const
     for (const GList *each = mainWindow->active_dialogs->next; each; each = each->next)
         kinds.emplace_back(static_cast<const char *>(each->data));
     return kinds;
+}
+
+std::string textOf(GtkWidget *dialog)
+{
+    return shownText(findByName(dialog, "dialogboxlabel"));
 }
 
 void answer(GtkWidget *dialog, int response)

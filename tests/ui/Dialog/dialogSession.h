@@ -27,6 +27,8 @@ protected:
 
     /// Waits for the open window with a title; fails when there is none in time.
     GtkWidget *awaitDialog(const std::string &title);
+    /// All open dialogs, when nothing is scheduled.
+    std::vector<GtkWidget *> dialogs();
     /// Prompts and waits for the dialog.
     GtkWidget *raise(const std::string &words, const std::string &title);
 
@@ -40,6 +42,8 @@ protected:
     std::vector<std::string> openKinds() const;
 };
 
+/// What a question asks.
+std::string textOf(GtkWidget *dialog);
 /// A response as a click or the window manager gives it.
 void answer(GtkWidget *dialog, int response);
 /// Closes a dialog as the window's frame does.

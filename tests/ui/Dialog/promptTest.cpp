@@ -4,7 +4,6 @@
 
 #include "src/Dialog/dialog.h"
 #include "src/Dialog/dialogInternal.h"
-#include "src/main.h"
 
 #include <gmock/gmock.h>
 
@@ -20,17 +19,6 @@ const std::string unlistJoin = "dialogResponse delete_dialog samecon ";
 class PromptTest : public DialogSession
 {
 protected:
-    /// All open dialogs.
-    std::vector<GtkWidget *> dialogs()
-    {
-        drainMainLoop();
-        std::vector<GtkWidget *> found;
-        g_autoptr(GList) windows = gtk_window_list_toplevels();
-        for (const GList *each = windows; each; each = each->next)
-            if (GTK_IS_DIALOG(each->data) && gtk_widget_get_visible(GTK_WIDGET(each->data)))
-                found.push_back(GTK_WIDGET(each->data));
-        return found;
-    }
     /// Prompts and gives the one dialog that is open then.
     GtkWidget *open(const std::string &words)
     {
@@ -46,7 +34,6 @@ protected:
             prompt(words);
         drainMainLoop();
     }
-    std::string textOf(GtkWidget *dialog) { return shownText(findByName(dialog, "dialogboxlabel")); }
 };
 
 class QuarterOfAThousand : public PromptTest, public ::testing::WithParamInterface<const char *>
@@ -78,8 +65,7 @@ TEST_F(PromptTest, JoinMessageWithoutWordsCanNotBeAccepted)
 {
     GtkWidget *const dialog = open("samecon !!!");
     EXPECT_EQ(textOf(dialog), "");
-    EXPECT_FALSE(gtk_widget_get_sensitive(
-        gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT)));
+    EXPECT_FALSE(gtk_widget_get_sensitive(gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT)));
 }
 
 TEST_F(PromptTest, WhoeverIsTypingDoesNotAgree)
@@ -369,41 +355,6 @@ TEST_P(QuarterOfAThousand, QuestionsLeaveNothingBehind)
 INSTANTIATE_TEST_SUITE_P(Prompts, QuarterOfAThousand,
                          ::testing::Values("userConcent eA== c camera", "launchScript x", "configureURS x",
                                            "command x"));
-
-TEST_F(PromptTest, ExitBeforeAnybodyConnectedSendsNothing)
-{
-    show_dialog_exit(mainWindow);
-    answer(dialogs().front(), GTK_RESPONSE_ACCEPT);
-    EXPECT_THAT(answers(), IsEmpty());
-    EXPECT_TRUE(quit_requested());
-    EXPECT_TRUE(logHas(" User has Closed Session"));
-    EXPECT_TRUE(logHas("session is type normal and technician is not connected closing agent"));
-}
-
-TEST_F(PromptTest, ExitOfAConnectedSessionTellsTheAgent)
-{
-    mainWindow->isConnected = true;
-    show_dialog_exit(mainWindow);
-    GtkWidget *const dialog = dialogs().front();
-    EXPECT_EQ(textOf(dialog), "Do you want to leave this Session?" + std::string(30, ' '));
-    answer(dialog, GTK_RESPONSE_ACCEPT);
-    EXPECT_THAT(answers(), ElementsAre("buttonClicked exit"));
-    EXPECT_TRUE(quit_requested());
-    EXPECT_TRUE(logHas("session is connected session message"));
-}
-
-TEST_F(PromptTest, ExitIsAskedAgainForEachRequestAndTakenBack)
-{
-    show_dialog_exit(mainWindow);
-    show_dialog_exit(mainWindow);
-    ASSERT_EQ(dialogs().size(), 2U);
-    answer(dialogs()[0], GTK_RESPONSE_REJECT);
-    closeByFrame(dialogs()[0]);
-    EXPECT_THAT(dialogs(), IsEmpty());
-    EXPECT_EQ(countLogMessages(logPath(), " User has canceled close"), 2);
-    EXPECT_FALSE(quit_requested());
-    EXPECT_THAT(answers(), IsEmpty());
-}
 
 TEST_F(PromptTest, QuestionsStillComeAfterTheWindowHasGone)
 {

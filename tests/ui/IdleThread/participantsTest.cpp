@@ -137,8 +137,9 @@ TEST_F(Participants, MenuEntriesTellTheAgentWhoIsMeant)
     gtk_menu_item_activate(GTK_MENU_ITEM(revokeItem(ann)));
     gtk_menu_item_activate(GTK_MENU_ITEM(findMenuItem(menuOf(bob), "Swap Screen")));
     gtk_menu_item_activate(GTK_MENU_ITEM(revokeItem(bob)));
-    EXPECT_THAT(sentLines(4), ElementsAre("buttonClicked swapScreen 42", "buttonClicked revokeControl 42",
-                                          "buttonClicked swapScreen Bob%s%20x", "buttonClicked revokeControl Bob%s%20x"));
+    EXPECT_THAT(sentLines(4),
+                ElementsAre("buttonClicked swapScreen 42", "buttonClicked revokeControl 42",
+                            "buttonClicked swapScreen Bob%s%20x", "buttonClicked revokeControl Bob%s%20x"));
 }
 
 TEST_F(Participants, ANewRowStandsAboveTheOlderAndBelowTheNotice)
@@ -373,8 +374,7 @@ TEST_F(Participants, AButtonWithoutAMenuIsLogged)
     g_object_set_data(G_OBJECT(findByName(ann, "settingsButton")), "settingsMenu", nullptr);
     newMessages();
     modify("42", true);
-    EXPECT_THAT(newMessages(),
-                ElementsAre("participant box found", "No menu associated with the settings button", ""));
+    EXPECT_THAT(newMessages(), ElementsAre("participant box found", "No menu associated with the settings button", ""));
 }
 
 TEST_F(Participants, ARowsNameIsFoundInAnyLetterCase)

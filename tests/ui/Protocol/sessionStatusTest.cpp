@@ -110,9 +110,9 @@ TEST_F(SessionStatus, FeaturesAreForbiddenAndAllowedAgain)
 TEST_F(SessionStatus, SwapScreenAndClipboardChangeNoButton)
 {
     receive({"sessionStatus disableswapscreen", "sessionStatus disableClipboard"});
-    for (GtkWidget *const button : {mainWindow->chat->button, mainWindow->annotation->button,
-                                    mainWindow->fileTransfer->button, mainWindow->participants->button,
-                                    mainWindow->settingsButton})
+    for (GtkWidget *const button :
+         {mainWindow->chat->button, mainWindow->annotation->button, mainWindow->fileTransfer->button,
+          mainWindow->participants->button, mainWindow->settingsButton})
         EXPECT_TRUE(isShown(button));
 }
 
@@ -185,8 +185,13 @@ TEST_F(SessionStatus, AParticipantsLineFillsTheMailbox)
         const char *flag;
         bool blockButton;
     };
-    for (const Case &each : {Case{" false", true}, {" true", false}, {" falsetto", true}, {" xfalsex", true},
-                             {" False", false}, {"", false}, {" true false", false}}) {
+    for (const Case &each : {Case{" false", true},
+                             {" true", false},
+                             {" falsetto", true},
+                             {" xfalsex", true},
+                             {" False", false},
+                             {"", false},
+                             {" true false", false}}) {
         handle({"sessionStatus participantsAdd Ann%20Lee 42" + std::string(each.flag)});
         EXPECT_STREQ(mailbox().Data, "Ann Lee");
         EXPECT_STREQ(mailbox().identifier, "42");
@@ -208,7 +213,8 @@ TEST_F(SessionStatus, ADeletedParticipantsNameStaysEncoded)
 
 TEST_F(SessionStatus, AModifiedParticipantHasIdAndFlagOnly)
 {
-    for (const auto &[flag, blockButton] : {std::pair("false", true), {"true", false}, {"falsetto", true}, {"", false}}) {
+    for (const auto &[flag, blockButton] :
+         {std::pair("false", true), {"true", false}, {"falsetto", true}, {"", false}}) {
         handle({std::string("sessionStatus participantsModify 42 ") + flag});
         EXPECT_STREQ(mailbox().identifier, "42");
         EXPECT_EQ(mailbox().blockButton, blockButton) << flag;
@@ -262,9 +268,14 @@ TEST_F(SessionStatus, WhatIsUnknownIsLoggedAndChangesNothing)
     struct Case {
         const char *line, *word;
     };
-    for (const Case &each : {Case{"sessionStatus foo", "foo"}, {"sessionStatus foo bar", "foo"}, {"sessionStatus", ""},
-                             {"sessionStatus ", ""}, {"sessionStatus  Connected", ""}, {"sessionStatusConnected", ""},
-                             {"sessionStatus Connected.", "Connected."}, {"sessionStatus %s%n", "%s%n"}}) {
+    for (const Case &each : {Case{"sessionStatus foo", "foo"},
+                             {"sessionStatus foo bar", "foo"},
+                             {"sessionStatus", ""},
+                             {"sessionStatus ", ""},
+                             {"sessionStatus  Connected", ""},
+                             {"sessionStatusConnected", ""},
+                             {"sessionStatus Connected.", "Connected."},
+                             {"sessionStatus %s%n", "%s%n"}}) {
         receive({each.line});
         EXPECT_THAT(newMessages(), ElementsAre(std::string("Unhandled message  ") + each.word)) << each.line;
     }

@@ -62,8 +62,8 @@ TEST_F(WindowPlacement, APositionIsReadFromAShownWindow)
     gtk_window_get_position(GTK_WINDOW(parent()), &realX, &realY);
     EXPECT_EQ(x, realX);
     EXPECT_EQ(y, realY);
-    EXPECT_THAT(newMessages(), ::testing::ElementsAre("Window position: x=" + std::to_string(x) +
-                                                      ", y=" + std::to_string(y)));
+    EXPECT_THAT(newMessages(),
+                ::testing::ElementsAre("Window position: x=" + std::to_string(x) + ", y=" + std::to_string(y)));
 }
 
 TEST_F(WindowPlacement, NoWindowHasNoPosition)
@@ -104,10 +104,10 @@ TEST_F(WindowPlacement, ADialogIsPlacedByTheFrameOfItsParent)
     EXPECT_EQ(x, expected.x);
     EXPECT_EQ(y, expected.y);
     g_autofree char *size = g_strdup_printf("Screen dimensions: %dx%d", screen.width, screen.height);
-    g_autofree char *extents = g_strdup_printf("Using frame extents: pos(%d,%d) size(%dx%d)", frame.x, frame.y,
-                                               frame.width, frame.height);
-    EXPECT_THAT(newMessages(), ::testing::IsSupersetOf(
-                                   {std::string(size), std::string("Dialog dimensions: 300x200"), std::string(extents)}));
+    g_autofree char *extents =
+        g_strdup_printf("Using frame extents: pos(%d,%d) size(%dx%d)", frame.x, frame.y, frame.width, frame.height);
+    EXPECT_THAT(newMessages(), ::testing::IsSupersetOf({std::string(size), std::string("Dialog dimensions: 300x200"),
+                                                        std::string(extents)}));
 }
 
 TEST_F(WindowPlacement, WhereADialogWentIsLogged)
@@ -129,7 +129,8 @@ TEST_F(WindowPlacement, WhereADialogWentIsLogged)
         newMessages();
         EXPECT_EQ(position_dialog(parent(), dialog), 1);
         EXPECT_EQ(choose_dialog_position(parent(), dialog, &x, &y), 1);
-        EXPECT_THAT(newMessages(), ::testing::IsSupersetOf({pair(each.line, x, y), pair("Dialog positioned at ", x, y)}));
+        EXPECT_THAT(newMessages(),
+                    ::testing::IsSupersetOf({pair(each.line, x, y), pair("Dialog positioned at ", x, y)}));
     }
 }
 

@@ -68,7 +68,8 @@ TEST_F(Picture, HasItsMarginOnAllSides)
 TEST_F(Picture, ThatCanNotBeReadLeavesItsRoomEmpty)
 {
     const std::string broken = home.write("broken.png", "no picture");
-    for (const char *const path : {"/missing.png", broken.c_str(), home.path().c_str(), "", static_cast<const char *>(nullptr)}) {
+    for (const char *const path :
+         {"/missing.png", broken.c_str(), home.path().c_str(), "", static_cast<const char *>(nullptr)}) {
         GtkWidget *const image = held(resizeImages(path, 12, 2));
         ASSERT_TRUE(GTK_IS_IMAGE(image));
         EXPECT_EQ(gtk_image_get_pixbuf(GTK_IMAGE(image)), nullptr);
@@ -87,8 +88,8 @@ TEST_F(Margins, NegativeOnesAreLeftAlone)
         const char *margins;
     };
     const Case cases[] = {
-        {4, -1, -1, -1, "4 9 9 9"}, {-1, 5, -1, -1, "9 5 9 9"},     {-1, -1, 6, -1, "9 9 6 9"},
-        {-1, -1, -1, 7, "9 9 9 7"}, {-1, -1, -1, -1, "9 9 9 9"},    {0, 0, 0, 0, "0 0 0 0"},
+        {4, -1, -1, -1, "4 9 9 9"}, {-1, 5, -1, -1, "9 5 9 9"},    {-1, -1, 6, -1, "9 9 6 9"},
+        {-1, -1, -1, 7, "9 9 9 7"}, {-1, -1, -1, -1, "9 9 9 9"},   {0, 0, 0, 0, "0 0 0 0"},
         {1, 2, 3, 4, "1 2 3 4"},    {-5, -100, -1, -9, "9 9 9 9"},
     };
     for (const Case &each : cases) {
@@ -120,7 +121,8 @@ TEST_F(Margins, OfTheStatusRowAreSetTogether)
 TEST_F(Margins, OnlyAPressOfTheFirstButtonDragsAWindow)
 {
     GtkWidget *const label = newLabel();
-    for (const auto &[type, button] : {std::pair(GDK_BUTTON_PRESS, 3u), {GDK_2BUTTON_PRESS, 1u}, {GDK_BUTTON_RELEASE, 1u}}) {
+    for (const auto &[type, button] :
+         {std::pair(GDK_BUTTON_PRESS, 3u), {GDK_2BUTTON_PRESS, 1u}, {GDK_BUTTON_RELEASE, 1u}}) {
         GdkEventButton event = {};
         event.type = type;
         event.button = button;

@@ -95,8 +95,8 @@ TEST_F(RenamedControlWindow, KeepsTheBlanksOfItsTitle)
 TEST_F(ControlWindow, HasItsRowsFromTopToBottom)
 {
     EXPECT_EQ(gtk_orientable_get_orientation(GTK_ORIENTABLE(mainBox())), GTK_ORIENTATION_VERTICAL);
-    EXPECT_THAT(childrenOf(mainBox()), ElementsAre(mainWindow->infoBarStruct->infoBar, named("actionContainer"),
-                                                   named("StatusContainer")));
+    EXPECT_THAT(childrenOf(mainBox()),
+                ElementsAre(mainWindow->infoBarStruct->infoBar, named("actionContainer"), named("StatusContainer")));
     for (GtkWidget *const row : childrenOf(mainBox()))
         EXPECT_EQ(packingOf(row), "start fill 0");
 }
@@ -119,9 +119,9 @@ TEST_F(ControlWindow, HasThePanelsUnderTheToolbar)
 
 TEST_F(ControlWindow, HasItsToolbarButtonsInOrder)
 {
-    EXPECT_THAT(childrenOf(toolbar()),
-                ElementsAre(mainWindow->participants->button, mainWindow->chat->button, mainWindow->fileTransfer->button,
-                            mainWindow->annotation->button, mainWindow->settingsButton));
+    EXPECT_THAT(childrenOf(toolbar()), ElementsAre(mainWindow->participants->button, mainWindow->chat->button,
+                                                   mainWindow->fileTransfer->button, mainWindow->annotation->button,
+                                                   mainWindow->settingsButton));
     for (GtkWidget *const button : childrenOf(toolbar())) {
         EXPECT_EQ(packingOf(button), button == mainWindow->settingsButton ? "end fill 0" : "start fill 0");
         EXPECT_EQ(gtk_button_get_relief(GTK_BUTTON(button)), GTK_RELIEF_NONE);

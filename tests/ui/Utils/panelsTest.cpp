@@ -13,9 +13,9 @@
 namespace
 {
 
-constexpr char closedArrow[] = "pan-end-symbolic 4";       // button size
-constexpr char openArrow[] = "pan-down-symbolic 4";        // button size
-constexpr char smallOpenArrow[] = "pan-down-symbolic 2";   // small toolbar size
+constexpr char closedArrow[] = "pan-end-symbolic 4";     // button size
+constexpr char openArrow[] = "pan-down-symbolic 4";      // button size
+constexpr char smallOpenArrow[] = "pan-down-symbolic 2"; // small toolbar size
 
 class Panels : public WindowSession
 {
@@ -254,7 +254,8 @@ protected:
     {
         content = gtk_label_new("content");
         GtkWidget *const panel = createExapnder(
-            {title, withButton ? mainWindow->chatTranscriptImagePath : nullptr, &header, content, callback}, mainWindow);
+            {title, withButton ? mainWindow->chatTranscriptImagePath : nullptr, &header, content, callback},
+            mainWindow);
         window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
         gtk_container_add(GTK_CONTAINER(window), panel);
         gtk_widget_show_all(window);

@@ -29,7 +29,8 @@ void webkit_web_context_clear_cache(void *context) { (void)context; }' > /standi
 for v in 4.0.so.37 4.1.so.0; do cc -shared -fPIC -DVERSION="\"$v\"" -o /usr/lib/libwebkit2gtk-$v /standin.c; done
 )sh";
 
-class Webview : public WindowSession {
+class Webview : public WindowSession
+{
 protected:
     /// Runs the calling test again inside; true there.
     bool isInside(const std::string &setup)
@@ -44,8 +45,8 @@ protected:
         const char *const command[] = {script.c_str(), whole.c_str(), self.c_str(), filter.c_str(), nullptr};
         g_autofree char *said = nullptr;
         int status = -1;
-        g_spawn_sync(nullptr, const_cast<char **>(command), nullptr, G_SPAWN_STDERR_TO_DEV_NULL, nullptr, nullptr, &said,
-                     nullptr, &status, nullptr);
+        g_spawn_sync(nullptr, const_cast<char **>(command), nullptr, G_SPAWN_STDERR_TO_DEV_NULL, nullptr, nullptr,
+                     &said, nullptr, &status, nullptr);
         EXPECT_EQ(status, 0) << (said ? said : "(could not be started)");
         return false;
     }
@@ -72,9 +73,10 @@ TEST_F(Webview, OpensOneWindowAtATime)
     EXPECT_EQ(LoadWebview("http://ar/2", chatWindow), 1);
     EXPECT_TRUE(logHas("AR Session DIALOG is already initiated."));
     EXPECT_EQ(findWindows("Brindle - AR Session").size(), 1u);
-    for (const char *const line : {" http://ar/%s?a=1", "Cleared webview cache",
-                                   "Found 2 matches for pattern 'libwebkit2gtk*.so*' in '/usr/lib':",
-                                   " → libwebkit2gtk-4.0.so.37", "Using webkit library: /usr/lib/libwebkit2gtk-4.0.so.37"})
+    for (const char *const line :
+         {" http://ar/%s?a=1", "Cleared webview cache",
+          "Found 2 matches for pattern 'libwebkit2gtk*.so*' in '/usr/lib':", " → libwebkit2gtk-4.0.so.37",
+          "Using webkit library: /usr/lib/libwebkit2gtk-4.0.so.37"})
         EXPECT_TRUE(logContains(line)) << line;
 }
 

@@ -124,11 +124,26 @@ TEST_F(GoneWindow, LeavesAChatMessageHarmless)
 TEST_F(GoneWindow, LeavesEveryLineOfTheAgentHarmless)
 {
     const char *const lines[] = {
-        "sessionStatus Connected", "sessionStatus disconnected", "sessionStatus disablechat",
-        "sessionStatus enablechat", "sessionStatus TECH-NAME Ann", "sessionStatus participantsAdd Ann 1 false",
-        "sessionStatus participantsModify 1 true", "sessionStatus participantsDelete Ann 1", "initSwap approved",
-        "initSwap swapRejected", "initSwap toManyUsers", "connectionLost", "not32", "blockInput", "unblockInput",
-        "ONDEMAND START", "ONDEMAND STOP", "PING UI", "sessionKey k", "unknown",
+        "sessionStatus Connected",
+        "sessionStatus disconnected",
+        "sessionStatus disablechat",
+        "sessionStatus enablechat",
+        "sessionStatus TECH-NAME Ann",
+        "sessionStatus participantsAdd Ann 1 false",
+        "sessionStatus participantsModify 1 true",
+        "sessionStatus participantsDelete Ann 1",
+        "initSwap approved",
+        "initSwap swapRejected",
+        "initSwap toManyUsers",
+        "connectionLost",
+        "not32",
+        "blockInput",
+        "unblockInput",
+        "ONDEMAND START",
+        "ONDEMAND STOP",
+        "PING UI",
+        "sessionKey k",
+        "unknown",
     };
     for (const char *const line : lines)
         receive(line);

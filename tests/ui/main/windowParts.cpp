@@ -43,8 +43,8 @@ bool looksTheSame(cairo_surface_t *one, cairo_surface_t *other)
     const int stride = cairo_image_surface_get_stride(one), height = cairo_image_surface_get_height(one);
     return cairo_image_surface_get_width(one) == cairo_image_surface_get_width(other) &&
            stride == cairo_image_surface_get_stride(other) && height == cairo_image_surface_get_height(other) &&
-           memcmp(cairo_image_surface_get_data(one), cairo_image_surface_get_data(other), size_t(stride) * size_t(height)) ==
-               0;
+           memcmp(cairo_image_surface_get_data(one), cairo_image_surface_get_data(other),
+                  size_t(stride) * size_t(height)) == 0;
 }
 
 } // namespace

@@ -178,7 +178,8 @@ TEST_F(AgentLine, ExitInTheMiddleOfALoopEndsIt)
 
 TEST_F(AgentLine, StatusAndParticipantsOfOneTextAllShow)
 {
-    receive("sessionStatus Connected\nsessionStatus TECH-NAME Ann%20Lee\nsessionStatus participantsAdd Ann%20Lee 1 false\n");
+    receive("sessionStatus Connected\nsessionStatus TECH-NAME Ann%20Lee\nsessionStatus participantsAdd Ann%20Lee 1 "
+            "false\n");
     EXPECT_EQ(shownText(mainWindow->statusLabel), "Ann Lee");
     EXPECT_EQ(mainWindow->noParticipants, 1);
     EXPECT_TRUE(mainWindow->isConnected);

@@ -25,6 +25,7 @@ struct Case {
     std::vector<std::string> logLines;
 };
 
+// clang-format off
 const Case cases[] = {
     {"normal", "/home/u", "/home/u/.brindle/Brindle/Logs", "/home/u/.brindle/temp",
      "/home/u/.brindle/Brindle/bin/Annotation", {"Normal log path has been set for Annotation window"}},
@@ -47,6 +48,7 @@ const Case cases[] = {
     {"%s%n", "/100%", "/var/log/Brindle", "/usr/local/Brindle/temp", "/usr/local/Brindle/bin/Annotation",
      {"Urs log path has been set for Annotation window"}},
 };
+// clang-format on
 
 } // namespace
 

@@ -16,7 +16,8 @@
 namespace
 {
 
-class AnnotationPipes : public TestSession {
+class AnnotationPipes : public TestSession
+{
 protected:
     void SetUp() override
     {

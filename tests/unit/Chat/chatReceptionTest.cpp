@@ -15,7 +15,8 @@
 namespace
 {
 
-class ChatReception : public TestSession {
+class ChatReception : public TestSession
+{
 protected:
     void SetUp() override
     {
@@ -67,7 +68,8 @@ TEST_F(ChatReception, TextIsUnescapedAndKeptWithItsSender)
     EXPECT_EQ(waiting(), std::vector<std::string>{"*Ann Smith>hello world\n\u00e9"});
     EXPECT_STREQ(chatWindow->charSender, "Ann Smith");
     EXPECT_STREQ(chatWindow->message, "hello world\n\u00e9");
-    EXPECT_TRUE(std::regex_match(transcript(), std::regex("\nAnn Smith \\(\\d+:\\d+:\\d+\\) \n \t\t\t hello world\n\u00e9")))
+    EXPECT_TRUE(
+        std::regex_match(transcript(), std::regex("\nAnn Smith \\(\\d+:\\d+:\\d+\\) \n \t\t\t hello world\n\u00e9")))
         << transcript();
 }
 
@@ -85,7 +87,8 @@ TEST_F(ChatReception, SameNameInAMinuteIsNamedOnce)
 TEST_F(ChatReception, AnotherNameStartsABlockInTheSameMinute)
 {
     receiveInOneMinute({"Ann\none", "Bob\ntwo"});
-    EXPECT_TRUE(std::regex_match(transcript(), std::regex("\nAnn \\([0-9:]+\\) \n \t\t\t one\nBob \\([0-9:]+\\) \n \t\t\t two")))
+    EXPECT_TRUE(std::regex_match(transcript(),
+                                 std::regex("\nAnn \\([0-9:]+\\) \n \t\t\t one\nBob \\([0-9:]+\\) \n \t\t\t two")))
         << transcript();
 }
 
@@ -102,7 +105,8 @@ TEST_F(ChatReception, TextThatCannotBeReadIsNullAndReplacesTheSender)
         receive({text});
         EXPECT_EQ(waiting().back(), "*Ann>(null)") << text;
         EXPECT_STREQ(chatWindow->charSender, "Ann") << text;
-        EXPECT_TRUE(std::regex_match(transcript(), std::regex("\nAnn \\([0-9:]+\\) \n \t\t\t \\(null\\)"))) << transcript();
+        EXPECT_TRUE(std::regex_match(transcript(), std::regex("\nAnn \\([0-9:]+\\) \n \t\t\t \\(null\\)")))
+            << transcript();
     }
 }
 

@@ -24,7 +24,8 @@ struct tm timeOf(int hour, int minute, int second)
 }
 
 /// A chat record without a window.
-class Transcript : public ::testing::Test {
+class Transcript : public ::testing::Test
+{
 protected:
     ~Transcript() override
     {

@@ -118,7 +118,8 @@ TEST_F(Rotation, FromTheEighthOnOneNameIsUsedAgainAndAgain)
 
 TEST_F(Rotation, FilesWithOtherNamesAreNotCounted)
 {
-    const char *const others[] = {"ui.log_x", "ui.logX_a_b", "other_a_b", "ui.log", "xui.log_a_b", "ui.log__b", "UI.LOG_a_b"};
+    const char *const others[] = {"ui.log_x",    "ui.logX_a_b", "other_a_b", "ui.log",
+                                  "xui.log_a_b", "ui.log__b",   "UI.LOG_a_b"};
     for (const char *const other : others)
         folder.write(other, "");
     folder.makeFolder("ui.log_a_b");
@@ -131,7 +132,8 @@ TEST_F(Rotation, FilesWithOtherNamesAreNotCounted)
 
 TEST_F(Rotation, EveryNameOfThreePartsIsCounted)
 {
-    for (const char *const rotated : {"ui.log_1970-1-1_1", "ui.log_(null)_0", "ui.log_a_b_c", "_ui.log_a_b", "ui.log__a__b"})
+    for (const char *const rotated :
+         {"ui.log_1970-1-1_1", "ui.log_(null)_0", "ui.log_a_b_c", "_ui.log_a_b", "ui.log__a__b"})
         folder.write(rotated, "");
     fill(limit);
     int count = -1;
@@ -210,10 +212,17 @@ TEST_F(Rotation, NamesAreTakenApartByTokens)
         const char *name, *date, *sequence; // no date: not a rotated file
     };
     const Case cases[] = {
-        {"ui.log_1970-1-1_1", "1970-1-1", "1"}, {"ui.log_(null)_0", "(null)", "0"}, {"ui.log_a_b_c", "a", "b"},
-        {"__ui.log__a__b__", "a", "b"},         {"ui.log_a", nullptr, nullptr},     {"ui.log_a_", nullptr, nullptr},
-        {"ui.log", nullptr, nullptr},           {"", nullptr, nullptr},             {"_", nullptr, nullptr},
-        {"ui.logX_a_b", nullptr, nullptr},      {"ui.lo_g_a", nullptr, nullptr},
+        {"ui.log_1970-1-1_1", "1970-1-1", "1"},
+        {"ui.log_(null)_0", "(null)", "0"},
+        {"ui.log_a_b_c", "a", "b"},
+        {"__ui.log__a__b__", "a", "b"},
+        {"ui.log_a", nullptr, nullptr},
+        {"ui.log_a_", nullptr, nullptr},
+        {"ui.log", nullptr, nullptr},
+        {"", nullptr, nullptr},
+        {"_", nullptr, nullptr},
+        {"ui.logX_a_b", nullptr, nullptr},
+        {"ui.lo_g_a", nullptr, nullptr},
     };
     for (const Case &each : cases) {
         g_autofree char *date = nullptr;

@@ -34,13 +34,15 @@ constexpr char timePattern[] = R"([1-9][0-9]*/[1-9][0-9]?/[1-9][0-9]? [0-9]+:[0-
 TEST_F(Log, ALineCarriesTimeLevelFunctionAndMessage)
 {
     log_print(levelInfo, 12, "main", "loading %s", "resources");
-    EXPECT_THAT(content(), ::testing::MatchesRegex(std::string(timePattern) + " <INFO> \\[main\\]: loading resources\n"));
+    EXPECT_THAT(content(),
+                ::testing::MatchesRegex(std::string(timePattern) + " <INFO> \\[main\\]: loading resources\n"));
 }
 
 TEST_F(Log, ATraceLineEndsInABlankAndHasNoColon)
 {
     trace_print(7, "createMainWindow");
-    EXPECT_THAT(content(), ::testing::MatchesRegex(std::string(timePattern) + " <TRACE_CALL> \\[createMainWindow\\] \n"));
+    EXPECT_THAT(content(),
+                ::testing::MatchesRegex(std::string(timePattern) + " <TRACE_CALL> \\[createMainWindow\\] \n"));
 }
 
 TEST_F(Log, EveryLevelButDebugIsWrittenUnderItsName)
@@ -96,7 +98,9 @@ TEST_F(Log, TextFromOutsideIsNeverAFormat)
 
 TEST_F(Log, BytesThatAreNoTextAreRepairedNotDropped)
 {
-    log_print(levelInfo, 1, "f", "name %s!", "a\xff\xfe" "b");
+    log_print(levelInfo, 1, "f", "name %s!",
+              "a\xff\xfe"
+              "b");
     EXPECT_THAT(content(), ::testing::EndsWith("name a\uFFFD\uFFFDb!\n"));
     EXPECT_TRUE(g_utf8_validate(content().c_str(), -1, nullptr));
 }
@@ -232,9 +236,8 @@ TEST(LogTime, IsLocalAndUnpadded)
         localtime_r(&last, &after);
         std::vector<std::string> possible;
         for (const struct tm &t : {before, after}) {
-            g_autofree char *expected =
-                g_strdup_printf("%d/%d/%d %d:%d:%d", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min,
-                                t.tm_sec);
+            g_autofree char *expected = g_strdup_printf("%d/%d/%d %d:%d:%d", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday,
+                                                        t.tm_hour, t.tm_min, t.tm_sec);
             possible.emplace_back(expected);
         }
         EXPECT_THAT(possible, ::testing::Contains(std::string(text))) << zone;

@@ -31,7 +31,8 @@ struct Layout {
 
 const Layout layoutRows[] = {
     {"normal", "HOME", "HOME/.brindle/Brindle/Logs", "HOME/.brindle/temp", "HOME/.brindle/Brindle/Resource",
-     "HOME/.brindle/Brindle/Resource/record.gif", "HOME/.brindle/Brindle/bin/Settings.json", "User Path Set", "Brindle"},
+     "HOME/.brindle/Brindle/Resource/record.gif", "HOME/.brindle/Brindle/bin/Settings.json", "User Path Set",
+     "Brindle"},
     {"ras", "HOME", "HOME/.brindle/Brindle/Logs", "HOME/.brindle/temp", "HOME/.brindle/Brindle/Resource",
      "HOME/.brindle/Brindle/Resource/record.gif", "HOME/.brindle/Brindle/bin/Settings.json", "User Path Set", "CODE"},
     {"ras", "", "/usr/local/.brindle/Brindle/Logs", "/usr/local/.brindle/temp", "/.brindle/Brindle/Resource",

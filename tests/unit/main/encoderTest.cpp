@@ -20,8 +20,8 @@ TEST_F(Encoder, EachKindPutsItsWordInFront)
     EXPECT_EQ(encodeButtonClickMessage("start", g_UiStatus), 0);
     EXPECT_EQ(encodeDialogeResponseMessage("AVAccept", g_UiStatus), 0);
     EXPECT_EQ(encodeMonitorMessage("AnnotationClose", g_UiStatus), 0);
-    EXPECT_THAT(sentLines(3),
-                ::testing::ElementsAre("buttonClicked start", "dialogResponse AVAccept", "monitorData AnnotationClose"));
+    EXPECT_THAT(sentLines(3), ::testing::ElementsAre("buttonClicked start", "dialogResponse AVAccept",
+                                                     "monitorData AnnotationClose"));
 }
 
 TEST_F(Encoder, ALineEndsInOneNewlineAndKeepsItsBlanks)

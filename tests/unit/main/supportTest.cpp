@@ -31,7 +31,10 @@ TEST(OwnedTexts, AreReplacedEvenByAPartOfThemselves)
 TEST(ShownText, IsAlwaysValid)
 {
     EXPECT_STREQ(displayable_text("Grüße").get(), "Grüße");
-    EXPECT_STREQ(displayable_text("a\xff" "b").get(), "a\uFFFDb");
+    EXPECT_STREQ(displayable_text("a\xff"
+                                  "b")
+                     .get(),
+                 "a\uFFFDb");
     EXPECT_STREQ(displayable_text("cut \xE6\x97").get(), "cut \uFFFD\uFFFD");
     EXPECT_STREQ(displayable_text(nullptr).get(), "");
 }

@@ -64,9 +64,8 @@ TEST_F(Dispatcher, APingIsASignOfLife)
         bool isAlive;
     };
     const Case cases[] = {
-        {"PING UI", true},     {"PING UI\n", true},      {"  PING UI \r\n", true}, {"PING UI again", true},
-        {"ping ui", false},    {"PING  UI", false},      {"xPING UI", false},      {"PING", false},
-        {"a\nb\nPING UI", true},
+        {"PING UI", true},   {"PING UI\n", true}, {"  PING UI \r\n", true}, {"PING UI again", true}, {"ping ui", false},
+        {"PING  UI", false}, {"xPING UI", false}, {"PING", false},          {"a\nb\nPING UI", true},
     };
     for (const Case &each : cases) {
         mainWindow->isAlive = false;

@@ -173,9 +173,9 @@ TEST_F(PipeReception, AFolderInPlaceOfThePipeEndsReception)
     home.makeFolder(".brindle/temp/Status");
     start();
     ASSERT_TRUE(endsByItself());
-    EXPECT_THAT(log(), ::testing::ElementsAre("file opened properly ", "error occured while writing pipes",
-                                              "Error has occured", "error reading pipe Is a directory",
-                                              "Closing thread"));
+    EXPECT_THAT(log(),
+                ::testing::ElementsAre("file opened properly ", "error occured while writing pipes",
+                                       "Error has occured", "error reading pipe Is a directory", "Closing thread"));
     EXPECT_EQ(g_async_queue_length(pipeMessageQueue), 0);
 }
 
