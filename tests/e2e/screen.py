@@ -1,6 +1,7 @@
 """What the customer sees and touches: the accessible tree, pointer and keyboard, windows and pictures."""
 
 import functools
+import os
 import subprocess
 import warnings
 
@@ -12,6 +13,7 @@ from gi.repository import Atspi, GdkPixbuf  # noqa: E402
 from Xlib import X, display, error  # noqa: E402
 
 from waiting import until  # noqa: E402
+from waylandCompositor import Compositor  # noqa: E402
 
 warnings.simplefilter("ignore")
 Atspi.init()
@@ -128,8 +130,32 @@ def place_of(accessible):
     return x + width // 2, y + height // 2
 
 
+def under_wayland():
+    return "WAYLAND_DISPLAY" in os.environ
+
+
+def top_level(accessible):
+    """The window, dialog or menu that a control is in."""
+    while accessible.get_parent() and accessible.get_parent().get_role_name() != "application":
+        accessible = accessible.get_parent()
+    return accessible
+
+
+def _extents_in_compositor(accessible):
+    """Extents on the screen, which the toolkit itself is never told, or None while its window is being laid out."""
+    in_window = accessible.get_extents(Atspi.CoordType.WINDOW)
+    around = top_level(accessible)
+    whole = around.get_extents(Atspi.CoordType.WINDOW)
+    window = Compositor().holding(around.get_name(), (whole.width, whole.height))
+    if not window or in_window.width <= 0:
+        return None
+    return window.rectangle[0] + in_window.x, window.rectangle[1] + in_window.y, in_window.width, in_window.height
+
+
 def _steady_extents(accessible):
     """Extents on the screen, or None while the toolkit has not yet heard where its window went."""
+    if under_wayland():
+        return _extents_in_compositor(accessible)
     on_screen = accessible.get_extents(Atspi.CoordType.SCREEN)
     in_window = accessible.get_extents(Atspi.CoordType.WINDOW)
     if on_screen.width <= 0 or on_screen.x < 0 or on_screen.y < 0:
@@ -275,6 +301,10 @@ class Windows:
             return window.get_attributes().map_state == X.IsViewable
         except error.XError:
             return False
+
+
+def windows_shown():
+    return Compositor() if under_wayland() else Windows()
 
 
 class Pixels:

@@ -19,7 +19,7 @@ gi.require_version("Atspi", "2.0")
 
 from logFile import LogFile  # noqa: E402
 from pipes import PipeReader, send_text  # noqa: E402
-from screen import Application, Windows, picture  # noqa: E402
+from screen import Application, picture, under_wayland, windows_shown  # noqa: E402
 from waiting import until  # noqa: E402
 
 PROGRAM = os.environ["BRINDLE_UI_PROGRAM"]
@@ -27,6 +27,7 @@ SIMULATOR = os.environ["AGENT_SIMULATOR_PROGRAM"]
 RESOURCES = pathlib.Path(os.environ["RESOURCE_FOLDER"])
 SANDBOX = str(pathlib.Path(__file__).parents[1] / "support/sandbox")
 PICTURES = pathlib.Path(os.environ.get("PICTURE_FOLDER", tempfile.gettempdir()))
+AGENT = "screenshare" if under_wayland() else "main"  # the program that a "normal" session starts
 _PING_SEEN = "Received Ping UI, sending alive response"
 FAST = 10  # how much faster the program's clock runs where no test says otherwise
 
@@ -91,8 +92,7 @@ class Home:
         self._agent_folder.mkdir()
         os.mkfifo(self._agent_folder / "order")
 
-    def install_agent(self, name="main", text=None):
-        """The program that a "normal" session starts."""
+    def install_agent(self, name=AGENT, text=None):
         program = self.product / "bin" / name
         program.write_text(text or _AGENT.format(folder=self._agent_folder))
         program.chmod(0o755)
@@ -176,7 +176,7 @@ class Session:
 
     @property
     def windows(self):
-        self._windows = self._windows or Windows()
+        self._windows = self._windows or windows_shown()
         return self._windows
 
     @property
