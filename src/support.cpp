@@ -192,8 +192,9 @@ void request_quit()
     if (quitRequested.exchange(true))
         return;
     // From the main thread, too: a handler that asks for the end still finishes what it does first. Callbacks that wait
-    // behind a flood of lines don't delay the end.
-    g_idle_add_full(G_PRIORITY_HIGH, endMainLoop, nullptr, nullptr);
+    // behind a flood of lines don't delay the end. No sooner than the toolkit's own events, though: passed over, its
+    // Wayland source would keep the last `gtk_main` waiting for ever.
+    g_idle_add_full(GDK_PRIORITY_EVENTS, endMainLoop, nullptr, nullptr);
 }
 
 bool quit_requested()
