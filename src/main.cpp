@@ -10,6 +10,7 @@
 #include "src/controls.h"
 #include "src/desktopEntry.h"
 #include "src/localizationText.h"
+#include "src/lostDisplay.h"
 #include "src/sessionState.h"
 #include "src/singleInstance.h"
 #include "src/support.h"
@@ -289,8 +290,8 @@ void shutDown()
 
 // ------------------------------------------------------------------------------------------------------ a lost display
 
-/// The toolkit can do nothing any more, and Xlib ends the process: only the log and the file system are left.
-int leaveLostDisplay(Display *)
+/// The toolkit can do nothing any more: only the log and the file system are left.
+void leaveLostDisplay()
 {
     UI_INFO_AS("main", "the display has gone");
     removeTraces();
@@ -310,7 +311,7 @@ int main(int argc, char **argv)
     session.mainWindow->clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
     if (!registerOnlyInstance(&session.application))
         return 0;
-    XSetIOErrorHandler(leaveLostDisplay);
+    before_lost_display(leaveLostDisplay);
     openLogAndChannel();
     openWindow();
     startThreads();
