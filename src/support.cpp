@@ -18,8 +18,10 @@ namespace
 
 // Far more than any window shows, and quickly laid out.
 constexpr glong longestName = 10000;
-constexpr gsize longestUnbroken = 500;
-constexpr char invisibleBreak[] = "\u200b";
+// A key or an address that is copied out of a view comes out as it went in; what goes on longer is no word to copy.
+constexpr glong longestExactWord = 4000;
+constexpr glong breakDistance = 500;
+constexpr gunichar invisibleBreak = 0x200b;
 
 // Written by adopt_main_thread before any other thread runs.
 GThread *mainThread = nullptr;
@@ -100,6 +102,30 @@ void attachTaskSource()
     g_source_unref(source);
 }
 
+const char *endOfWord(const char *at)
+{
+    for (; *at; at = g_utf8_next_char(at)) {
+        const gunichar character = g_utf8_get_char(at);
+        if (g_unichar_isspace(character) || character == invisibleBreak)
+            break;
+    }
+    return at;
+}
+
+void appendWord(GString *text, const char *word, const char *end)
+{
+    if (g_utf8_strlen(word, end - word) <= longestExactWord) {
+        g_string_append_len(text, word, end - word);
+        return;
+    }
+    glong length = 0;
+    for (const char *at = word; at < end; at = g_utf8_next_char(at)) {
+        g_string_append_unichar(text, g_utf8_get_char(at));
+        if (++length % breakDistance == 0)
+            g_string_append_unichar(text, invisibleBreak);
+    }
+}
+
 void cancelNestedDialog(gpointer dialog, gpointer)
 {
     gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
@@ -151,15 +177,15 @@ OwnedText displayable_name(const char *name)
 OwnedText breakable_text(const char *text)
 {
     OwnedText shown = displayable_text(text);
-    if (strlen(shown.get()) <= longestUnbroken)
+    if (strlen(shown.get()) <= gsize(longestExactWord))
         return shown;
     GString *const broken = g_string_new(nullptr);
-    gsize length = 0;
-    for (const char *at = shown.get(); *at; at = g_utf8_next_char(at)) {
-        g_string_append_unichar(broken, g_utf8_get_char(at));
-        length = g_unichar_isspace(g_utf8_get_char(at)) ? 0 : length + 1;
-        if (length > 0 && length % longestUnbroken == 0)
-            g_string_append(broken, invisibleBreak);
+    const char *at = shown.get();
+    while (*at) {
+        const char *const end = endOfWord(at);
+        appendWord(broken, at, end);
+        at = *end ? g_utf8_next_char(end) : end;
+        g_string_append_len(broken, end, at - end);
     }
     return OwnedText(g_string_free(broken, FALSE));
 }

@@ -30,8 +30,8 @@ OwnedText displayable_text(const char *text);
 /// on. Thread: any.
 OwnedText displayable_name(const char *name);
 
-/// A copy of a text that a view can lay out in no time: as `displayable_text`, with an invisible place to break in
-/// words of hundreds of characters, which are measured as a whole. Thread: any.
+/// A copy of a text that a view can lay out in no time: as `displayable_text`, with invisible places to break in words
+/// of thousands of characters, which are measured as a whole. Thread: any.
 OwnedText breakable_text(const char *text);
 
 /// A piece of a split line, or the empty text when the line has fewer pieces; borrowed from `pieces`.

@@ -87,7 +87,7 @@ void append_message_with_clickable_range_word(GtkTextView *view, const char *tex
     if (!view || !text)
         return;
     GtkTextBuffer *const buffer = gtk_text_view_get_buffer(view);
-    const OwnedText shown = displayable_text(text);
+    const OwnedText shown = breakable_text(text);
     const int base = gtk_text_buffer_get_char_count(buffer);
     appendTagged(buffer, shown.get(), {"blue_box"});
     const char *const found = word && callback ? strstr(shown.get(), word) : nullptr;

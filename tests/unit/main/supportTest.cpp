@@ -187,15 +187,24 @@ TEST(BreakableText, LeavesOrdinaryTextsAsTheyAre)
     EXPECT_STREQ(breakable_text(nullptr).get(), "");
 }
 
+TEST(BreakableText, LeavesAddressesAndKeysAsTheyAre)
+{
+    const std::string key(4000, 'x');
+    EXPECT_EQ(breakable_text(key.c_str()).get(), key);
+    EXPECT_EQ(breakable_text((key + " " + key + "\nä").c_str()).get(), key + " " + key + "\nä");
+}
+
 TEST(BreakableText, BreaksEndlessWordsInvisiblyAndLosesNothing)
 {
-    const std::string word(1700, 'x');
-    std::string shown = breakable_text(word.c_str()).get();
+    const std::string word = "see " + std::string(5200, 'x') + " and\ngo";
+    const std::string broken = breakable_text(word.c_str()).get();
+    std::string shown = broken;
     size_t breaks = 0;
     for (size_t at; (at = shown.find("\u200b")) != std::string::npos; breaks++)
         shown.erase(at, strlen("\u200b"));
-    EXPECT_EQ(breaks, 3u);
+    EXPECT_EQ(breaks, 10u);
     EXPECT_EQ(shown, word);
+    EXPECT_EQ(breakable_text(broken.c_str()).get(), broken);
 }
 
 TEST(DisplayableName, IsCutOnlyWhenItGoesOnAndOn)
