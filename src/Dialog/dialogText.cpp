@@ -12,7 +12,7 @@ namespace
 /// What a line break counts, in characters: about a line of a narrow dialog.
 constexpr int lineBreakRoom = 40;
 /// A word gets a place to break after so many characters.
-constexpr int unbrokenCharacters = 100;
+constexpr int unbrokenCharacters = 500;
 constexpr char invisibleBreak[] = "\u200B";
 constexpr int firstFileField = 2;
 constexpr gunichar replacementCharacter = 0xfffd;

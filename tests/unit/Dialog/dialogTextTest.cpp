@@ -96,9 +96,14 @@ TEST(LongText, IsCutWhereNobodyReadsOn)
 TEST(LongText, WordsOfUsualLengthStayAsTheyAre)
 {
     bool wasCut = true;
-    const std::string word(99, 'x');
+    const std::string word(499, 'x');
     EXPECT_EQ(cutToReadable(word.c_str(), &wasCut).get(), word);
-    EXPECT_EQ(markup(("<b>" + std::string(101, 'x') + "</b>").c_str()), "(plain)");
+    EXPECT_EQ(markup(("<b>" + word + "</b>").c_str()), "<b>" + word + "</b>");
+    EXPECT_EQ(markup(("<b>" + std::string(501, 'x') + "</b>").c_str()), "(plain)");
+    std::string paragraph; // a script without blanks
+    for (int i = 0; i < 150; i++)
+        paragraph += "参加";
+    EXPECT_EQ(markup(("<b>" + paragraph + "</b>").c_str()), "<b>" + paragraph + "</b>");
 }
 
 TEST(LongText, IsMeasuredInRoom)
