@@ -1,0 +1,133 @@
+"""The customer at the screen: looks for a control once, then knows where it is."""
+
+import pathlib
+import subprocess
+import sys
+import time
+
+from Xlib import X, error
+from Xlib.ext import res
+
+from display import Display
+from processes import until
+
+_LOOK_AT = pathlib.Path(__file__).with_name("lookAt.py")
+_TRIES = 6
+_PATIENCE_SECONDS = 2  # then another try: the window may have been on its way to its place
+
+
+class Screen(Display):
+    """The X server, with menus and what it holds for a program."""
+
+    def wait_for_popup(self, seconds=2):
+        """Waits for a menu that comes from now on."""
+        self._wait(lambda event: event.type == X.MapNotify and event.override, "no menu", seconds)
+
+    def map_comes(self):
+        """A window has come; `came` is that one."""
+        try:
+            _, self.came = self.wait_for_map(0.2)
+            return True
+        except TimeoutError:
+            return False
+
+    def exists(self, window):
+        try:
+            return window.get_attributes().map_state == X.IsViewable
+        except error.XError:
+            return False
+
+    def height(self, window):
+        return window.get_geometry().height
+
+    def resources(self, window):
+        """What the X server holds for the program of this window: (windows, everything)."""
+        types = res.query_client_resources(self._display, window.id).types
+        windows = self._display.intern_atom("WINDOW")
+        return (sum(each.count for each in types if each.resource_type == windows), sum(each.count for each in types))
+
+
+def look_at(process, *words):
+    return [int(word) for word in subprocess.run(
+        [sys.executable, _LOOK_AT, str(process.pid), *words], check=True, stdout=subprocess.PIPE, text=True,
+        timeout=60).stdout.split()]
+
+
+def keys(*arguments):
+    subprocess.run(["xdotool", *arguments], check=True, timeout=20)
+
+
+class Customer:
+    def __init__(self, screen, process, window):
+        self._screen = screen
+        self._process = process
+        self.window = window
+        self._offsets = {}
+
+    def press(self, name, is_done, role="push button", window=None, where=""):
+        """Clicks on a control of a window, the main one unless given, until something has happened.
+
+        where: what kind of window it is
+        """
+        window = window or self.window
+        for _ in range(_TRIES):
+            place = self._steady_place(window)
+            # A control stands elsewhere when its window has another size.
+            key = where, self._screen.height(window), role, name
+            self._click(place, key, role, name)
+            if self._comes_true(is_done):
+                return
+            self._offsets.pop(key, None)
+        raise TimeoutError(f"nothing happens at {name!r}")
+
+    def choose(self, button, entry, is_done):
+        """Opens a button's menu and takes its entry of this number."""
+        for _ in range(_TRIES):
+            self._screen.forget()
+            try:
+                self.press(button, self._menu_comes)
+            except TimeoutError:
+                keys("key", "Escape")
+                continue
+            keys("key", *["Down"] * entry, "Return")
+            if self._comes_true(is_done):
+                return
+            keys("key", "Escape")
+        raise TimeoutError(f"nothing comes of {button!r}")
+
+    def type(self, text):
+        keys("type", "--delay", "2", text)
+        keys("key", "Return")
+
+    def _menu_comes(self):
+        try:
+            self._screen.wait_for_popup(0.3)
+            return True
+        except TimeoutError:
+            return False
+
+    def _steady_place(self, window):
+        before = None
+        for _ in range(100):
+            place = self._screen.place(window)
+            if place == before:
+                return place
+            before = place
+            time.sleep(0.01)
+        raise TimeoutError("a window that never stands still")
+
+    def _click(self, place, key, role, name):
+        if key not in self._offsets:
+            x, y = look_at(self._process, role, name)
+            self._offsets[key] = x - place[0], y - place[1]
+        right, down = self._offsets[key]
+        self._screen.point_at(place[0] + right, place[1] + down)
+        self._screen.click(settle=0.01)
+
+    @staticmethod
+    def _comes_true(is_done):
+        try:
+            until(is_done, "", _PATIENCE_SECONDS)
+            return True
+        except TimeoutError:
+            return False

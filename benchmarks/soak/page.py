@@ -1,0 +1,164 @@
+"""The page and the pictures of a run."""
+
+import dataclasses
+import os
+import re
+
+import samples
+from plot import Curve, Plot
+
+
+_FULL_LOG_BYTES = 2_000_000  # at the start
+
+
+@dataclasses.dataclass
+class Result:
+    minutes: float
+    faster: int
+    done: dict
+    agent: object
+    samples: list
+    kib_per_message: float
+    status: int
+    errors: str
+    is_log_rotated: bool = False
+
+    def __post_init__(self):
+        self.heard, self.places = self.agent.heard()
+        self.logged = self.agent.logged()
+        self.expected, self.expected_log = self.agent.expected, self.agent.expected_log
+        self.lines_sent = self.agent.lines_sent
+        self.agent = None
+        self.growths = samples.judge(self.samples, self.kib_per_message)
+        self.warnings = [line for line in self.errors.splitlines() if re.search(r"(WARNING|CRITICAL|ERROR) \*\*", line)]
+
+    def checks(self):
+        """(what, expected, seen)"""
+        expected = self.expected
+        return [
+            ("lines that the companion had to send", expected.total(),
+             sum(min(count, expected[line]) for line, count in self.heard.items())),
+            ("lines that it sent beyond those", 0, (self.heard - expected).total()),
+            ("messages that its log had to hold", self.expected_log.total(),
+             sum(min(count, self.expected_log[line]) for line, count in self.logged.items())),
+            ("messages there beyond those", 0, (self.logged - self.expected_log).total()),
+            ("status at its end", 0, self.status),
+            ("warnings and criticals of the toolkit", 0, len(self.warnings)),
+            ("logs moved away by the next start", int(self.log_bytes() >= _FULL_LOG_BYTES), int(self.is_log_rotated)),
+        ]
+
+    def log_bytes(self):
+        return self.samples[-1].log_bytes
+
+    def holds(self):
+        return all(expected == seen for _, expected, seen in self.checks()) and all(
+            each.holds for each in self.growths)
+
+
+def _table(headings, rows):
+    lines = [headings, ["---"] * len(headings), *rows]
+    return "".join(f"| {' | '.join(str(cell) for cell in line)} |\n" for line in lines)
+
+
+def _number(value):
+    return f"{value:,.2f}".rstrip("0").rstrip(".").replace(",", " ")
+
+
+def _verdict(holds):
+    return "ok" if holds else "OVER"
+
+
+def _work_rows(result):
+    done = result.done
+    questions = {how: count for (*_, how), count in ((key, count) for key, count in done.items()
+                                                     if isinstance(key, tuple))}
+    yield "lines that ask nothing, in texts of hundreds", done["reports"]
+    yield "all lines from the agent", result.lines_sent
+    yield "lines to the agent, without reports of places", result.heard.total()
+    yield "reports of places of dialogs", result.places
+    yield "dialogs opened and closed", sum(questions.values()) + done["transcripts"]
+    for how, count in questions.items():
+        yield f"… {how}", count
+    yield "… folder choosers", done["transcripts"]
+    yield "participants that came, were modified and left", done["participants"]
+    yield "entries taken from menus", done["menus"]
+    yield "chat messages, both ways", done["messages"]
+    yield "AR invitations", done["invitations"]
+    yield "panels opened and closed, without annotation", done["panels"] - done["annotations"]
+    yield "annotation programs started, used and ended", done["annotations"]
+    yield "rounds", done["rounds"]
+
+
+def _plots(result):
+    def curve(name, read):
+        return Curve(name, [(each.minutes, value) for each in result.samples if (value := read(each)) is not None])
+    return [
+        Plot("soakMemory", "Memory of the companion at work", "minutes", "MiB", [
+            curve("private", lambda each: each.private_kib / 1024),
+            curve("private, without the conversation",
+                  lambda each: samples.without_conversation(each, result.kib_per_message) / 1024)]),
+        Plot("soakCounts", "What the companion holds at work", "minutes", "number", [
+            curve("handles", lambda each: each.handles), curve("threads", lambda each: each.threads),
+            curve("windows", lambda each: each.windows), curve("accessible objects", lambda each: each.accessibles)]),
+    ]
+
+
+_PAGE = """# Soak
+
+The program at work in fast motion: {minutes} minutes in which its clock ran {faster} times faster, on a virtual screen with
+a window manager. [The last run](#the-last-run) is from `scripts/soak`, which writes this page and ends with 1 when something was lost or has
+grown; `scripts/soak 1` does the same for a minute.
+
+![Memory over the run]({pictures}/soakMemory.svg)
+
+![Handles, threads, windows and accessible objects over the run]({pictures}/soakCounts.svg)
+
+## How it is done
+
+- A "normal" session of the release build. The agent is played: its lines go through the real pipe, and all that the companion says is read.
+- The customer is a pointer and a keyboard on the screen: a dialog is answered by a click on its button, by its frame, by time, or by the technician who takes it back.
+- One round is one text of {report} lines, 12 questions, three participants with their menus, chat both ways with an AR invitation, sharing paused and resumed, every panel opened and closed, a program in the place of the one that draws, and the question whether to leave. Names and messages are in a dozen scripts.
+- Each step waits for what has to come of it; a line that is lost ends the run. At the end every line of the agent must have left its message in the log, and every answer must have come exactly once.
+- Between two rounds, with all dialogs and panels closed, the companion is looked at. The first tenth of the time is left to the toolkit for what it loads on first use. Then the median of the first quarter is compared with that of the last.
+- The conversation is kept for the whole session, by intention: the customer can scroll back and save it. So what it costs is measured at the beginning, over 1 000 messages of the same kind with nothing else going on, and taken off for each message that came since. The picture shows the memory with and without it.
+- Widgets are counted as accessible objects, shown or not, and as windows on the X server. They are counted by a process of its own that listens to the program for a moment only.
+
+## The last run
+
+{work}
+{checks}
+{growths}
+One message of the conversation costs {kib:.2f} KiB. The log grew to {log_mb} MB.
+"""
+
+
+def _text(result, pictures):
+    checks = [(what, _number(expected), _number(seen), _verdict(expected == seen))
+              for what, expected, seen in result.checks()]
+    growths = [(each.name, _number(each.first), _number(each.last), each.limit, _verdict(each.holds))
+               for each in result.growths]
+    return _PAGE.format(
+        minutes=_number(result.minutes), faster=result.faster, pictures=pictures,
+        report=_number(result.done["reports"] / result.done["rounds"]),
+        work=_table(("what was done", "how often"), [(what, _number(count)) for what, count in _work_rows(result)]),
+        checks=_table(("what was looked at when all was over", "expected", "seen", ""), checks),
+        growths=_table(("what it holds", "first quarter", "last quarter", "limit", ""), growths),
+        kib=result.kib_per_message, log_mb=_number(result.log_bytes() / 1e6))
+
+
+def _show_differences(result):
+    for expected, seen in ((result.expected, result.heard), (result.expected_log, result.logged)):
+        for line in expected | seen:
+            if expected[line] != seen[line]:
+                print(f"{line!r}: expected {expected[line]}, seen {seen[line]}")
+    print(*result.warnings, sep="\n", end="")
+
+
+def write(result, page, pictures):
+    pictures.mkdir(parents=True, exist_ok=True)
+    page.parent.mkdir(parents=True, exist_ok=True)
+    for each in _plots(result):
+        (pictures / f"{each.name}.svg").write_text(each.svg())
+    page.write_text(_text(result, os.path.relpath(pictures, page.parent)))
+    print(page.read_text().split("## The last run")[1])
+    _show_differences(result)

@@ -1,0 +1,96 @@
+"""What the companion holds at a moment between two rounds, and whether it has become more."""
+
+import dataclasses
+import pathlib
+import statistics
+
+from customer import look_at
+
+_WARM_UP = 0.1  # of the run; what the toolkit loads on first use has been loaded then
+
+
+@dataclasses.dataclass
+class Sample:
+    minutes: float
+    messages: int  # in the conversation so far
+    private_kib: int
+    share_kib: int  # proportional
+    handles: int
+    threads: int
+    windows: int
+    resources: int
+    children: int
+    zombies: int
+    log_bytes: int
+    accessibles: int | None  # looked at less often
+
+
+@dataclasses.dataclass
+class Growth:
+    name: str
+    first: float  # medians of the first and the last quarter behind the warm-up
+    last: float
+    limit: str
+    holds: bool
+
+
+def _children(pid):
+    """States of all processes that this one has started and not yet waited for."""
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        try:
+            state, parent = (folder / "stat").read_text().rpartition(")")[2].split()[:2]
+        except OSError:  # has just gone
+            continue
+        if int(parent) == pid:
+            yield state
+
+
+def take(process, screen, window, log, minutes, messages, with_accessibles):
+    share, private = process.memory()
+    states = list(_children(process.pid))
+    windows, resources = screen.resources(window)
+    return Sample(minutes, messages, private, share, process.handles(), process.threads(), windows, resources,
+                  len(states), states.count("Z"), log.stat().st_size,
+                  look_at(process)[0] if with_accessibles else None)
+
+
+def without_conversation(sample, kib_per_message):
+    return sample.private_kib - sample.messages * kib_per_message
+
+
+def _quarters(samples, read):
+    """Medians of the first and the last quarter of what is read behind the warm-up."""
+    warm = samples[-1].minutes * _WARM_UP
+    values = [value for value in (read(each) for each in samples if each.minutes >= warm) if value is not None]
+    quarter = max(len(values) // 4, 1)
+    return statistics.median(values[:quarter]), statistics.median(values[-quarter:])
+
+
+def _at_most_more(name, samples, read, share):
+    first, last = _quarters(samples, read)
+    return Growth(name, first, last, f"<= {share:.2f} times", last <= first * share)
+
+
+def _no_more(name, samples, read):
+    first, last = _quarters(samples, read)
+    return Growth(name, first, last, "no more", last <= first)
+
+
+_MEMORY_LIMIT = 1.03
+
+
+def judge(samples, kib_per_message):
+    return [
+        _at_most_more("private memory without the conversation, MiB", samples,
+                      lambda each: without_conversation(each, kib_per_message) / 1024, _MEMORY_LIMIT),
+        _at_most_more("proportional share without the conversation, MiB", samples,
+                      lambda each: (each.share_kib - each.messages * kib_per_message) / 1024, _MEMORY_LIMIT),
+        _no_more("handles", samples, lambda each: each.handles),
+        _no_more("threads", samples, lambda each: each.threads),
+        _no_more("windows on the X server", samples, lambda each: each.windows),
+        _no_more("all its objects on the X server", samples, lambda each: each.resources),
+        _no_more("accessible objects", samples, lambda each: each.accessibles),
+        _no_more("processes started and not ended", samples, lambda each: each.children),
+        Growth("most ended ones not waited for, at any look", 0, max(each.zombies for each in samples), "none",
+               not any(each.zombies for each in samples)),
+    ]
