@@ -143,13 +143,17 @@ def top_level(accessible):
 
 def _extents_in_compositor(accessible):
     """Extents on the screen, which the toolkit itself is never told, or None while its window is being laid out."""
-    in_window = accessible.get_extents(Atspi.CoordType.WINDOW)
+    inside = accessible.get_extents(Atspi.CoordType.WINDOW)
     around = top_level(accessible)
     whole = around.get_extents(Atspi.CoordType.WINDOW)
-    window = Compositor().holding(around.get_name(), (whole.width, whole.height))
-    if not window or in_window.width <= 0:
+    window = Compositor().holding(around.get_process_id(), around.get_name(), (whole.width, whole.height))
+    if not window or inside.width <= 0:
         return None
-    return window.rectangle[0] + in_window.x, window.rectangle[1] + in_window.y, in_window.width, in_window.height
+    left, top = window.rectangle[:2]
+    if window.shadow((whole.width, whole.height)):
+        parts = [part.get_extents(Atspi.CoordType.WINDOW) for part in children(around) if shown(part)]
+        left, top = left - min(part.x for part in parts), top - min(part.y for part in parts)
+    return left + inside.x, top + inside.y, inside.width, inside.height
 
 
 def _steady_extents(accessible):
@@ -182,7 +186,10 @@ def _origins_at(x, y):
 
 
 def click(accessible, button=1):
-    """A real click of the pointer on the middle of a control."""
+    """A real click of the pointer on the middle of a control; nobody can tell where a Wayland compositor puts a menu."""
+    if under_wayland() and accessible.get_role_name() == "menu item":
+        accessible.get_action_iface().do_action(0)
+        return
     x, y = place_of(accessible)
     xdotool("mousemove", x, y, "click", button)
 

@@ -14,6 +14,12 @@ class Window(NamedTuple):
     focused: bool
     rectangle: tuple  # x, y, width, height on the screen
 
+    def shadow(self, size):
+        """How much larger the toolkit says the window is, which then draws its frame and shadow itself; None if it is
+        another window that has this size."""
+        wider, higher = size[0] - self.rectangle[2], size[1] - self.rectangle[3]
+        return wider if wider == higher >= 0 else None
+
 
 def _sway(*words):
     return json.loads(subprocess.run(["swaymsg", "-r", *words], check=False, capture_output=True, timeout=20,
@@ -70,7 +76,7 @@ class Compositor:
         """What a click on a close box makes the compositor send."""
         _sway(f"[con_id={window.id}]", "kill")
 
-    def holding(self, title, size):
-        """The window of this title and size, the one with the keyboard first; None while there is none."""
-        found = [window for window in self.all() if (window.title, window.rectangle[2:]) == (title, size)]
-        return max(found, key=lambda window: window.focused, default=None)
+    def holding(self, pid, title, size):
+        """The window of a process that fits, by its title where several do; None while there is none."""
+        found = [window for window in self.all() if window.pid == pid and window.shadow(size) is not None]
+        return max(found, key=lambda window: (window.title == title, window.focused), default=None)
