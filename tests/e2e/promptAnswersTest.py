@@ -133,10 +133,12 @@ class Answers(PromptCase):
 
 
 class EveryPrompt(Answers):
+    rows = ROWS
+
     def test_is_asked_once_and_answered_once(self):
         self.begin(speed=1)  # the question whether to reboot goes by itself
         self.add_participants("Ann 41", "Tom 42")
-        for row in ROWS:
+        for row in self.rows:
             for number, (how, (lines, logged)) in enumerate(row.answers.items()):
                 with self.subTest(f"{row.word} {how}"):
                     self.goes_on_well(row, how, lines, logged, SPELLINGS[number])
