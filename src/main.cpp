@@ -180,7 +180,7 @@ void connectControls(GtkWidget *settingsMenu)
     connect_signal(window->startStopSharingButton, "clicked", on_start_clicked, window);
     connect_signal(window->settingsButton, "clicked", showPopup, settingsMenu);
     connect_signal(window->window, "delete-event", on_window_main_delete, window);
-    connect_signal(window->chatExpander->rightButton, "clicked", SaveChatTranscript, session.chatWindow);
+    connect_nested_click(window->chatExpander->rightButton, SaveChatTranscript, session.chatWindow);
 }
 
 void startThreads()

@@ -126,6 +126,36 @@ void appendWord(GString *text, const char *word, const char *end)
     }
 }
 
+/// A button whose handler runs a loop of its own. Goes with the button.
+struct NestedClick {
+    GtkWidget *button;
+    ClickCall call;
+    guint source; ///< calls the handler; 0 when there is no click to be handled
+};
+
+gboolean runNestedClick(gpointer data)
+{
+    auto *const click = static_cast<NestedClick *>(data);
+    click->source = 0;
+    const ClickCall call = click->call; // the button may go while the handler runs
+    call.call(call.handler, click->button, call.record);
+    return G_SOURCE_REMOVE;
+}
+
+void scheduleNestedClick(GtkWidget *, NestedClick *click)
+{
+    if (click->source == 0)
+        click->source = g_idle_add_full(G_PRIORITY_HIGH, runNestedClick, click, nullptr);
+}
+
+void freeNestedClick(gpointer data, GClosure *)
+{
+    auto *const click = static_cast<NestedClick *>(data);
+    if (click->source != 0)
+        g_source_remove(click->source);
+    g_free(click);
+}
+
 void cancelNestedDialog(gpointer dialog, gpointer)
 {
     gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
@@ -211,6 +241,13 @@ void run_on_main_untyped(const MainCall &call)
     }
     if (appendTask(call))
         attachTaskSource();
+}
+
+void connect_nested_click_untyped(GtkWidget *button, const ClickCall &call)
+{
+    auto *const click = g_new(NestedClick, 1);
+    *click = {button, call, 0};
+    g_signal_connect_data(button, "clicked", G_CALLBACK(scheduleNestedClick), click, freeNestedClick, GConnectFlags(0));
 }
 
 void request_quit()

@@ -111,6 +111,29 @@ gulong connect_signal_owning(gpointer object, const char *signal, Return (*handl
         GConnectFlags(0));
 }
 
+/// A handler of a button with its record; `call` knows their types again.
+struct ClickCall {
+    void (*call)(void (*handler)(), GtkWidget *button, gpointer record);
+    void (*handler)();
+    gpointer record;
+};
+/// Untyped body of `connect_nested_click`.
+void connect_nested_click_untyped(GtkWidget *button, const ClickCall &call);
+
+/// Connects "clicked" to a handler that runs a loop of its own, a file chooser's. The handler is called from the main
+/// loop, before any further input: assistive technology is not served again until the press that it asked for has
+/// returned. A click that comes before the last one was handled counts as that one. Thread: main.
+/// @param record  must live as long as the button
+template <class Record>
+void connect_nested_click(GtkWidget *button, void (*handler)(GtkWidget *, Record *),
+                          std::type_identity_t<Record> *record)
+{
+    constexpr auto call = [](void (*untyped)(), GtkWidget *clicked, gpointer data) {
+        reinterpret_cast<void (*)(GtkWidget *, Record *)>(untyped)(clicked, static_cast<Record *>(data));
+    };
+    connect_nested_click_untyped(button, {call, reinterpret_cast<void (*)()>(handler), record});
+}
+
 // ------------------------------------------------------------------------------------- end of the main loop
 
 /// Asks the program to end: the main loop returns, and so does the nested loop of a dialog run by

@@ -92,7 +92,7 @@ GtkWidget *newFolderRow(DialogWindow *window)
     GtkWidget *row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, rowSpacingPx);
     window->PathLabel = gtk_label_new(displayable_text(window->Path).get());
     GtkWidget *button = gtk_button_new_with_label(getString("Change Path"));
-    connect_signal(button, "clicked", ChangeFolder, window);
+    connect_nested_click(button, ChangeFolder, window);
     gtk_box_pack_start(GTK_BOX(row), window->PathLabel, TRUE, TRUE, 0);
     gtk_box_pack_end(GTK_BOX(row), button, FALSE, FALSE, 0);
     return row;

@@ -98,5 +98,33 @@ class TheChooser(PromptCase):
         self.assertEqual(self.session.warnings(), [])
 
 
+class AChooserThatAssistiveTechnologyOpens(PromptCase):
+    """Pressed without pointer and keys, as a screen reader or a voice control does."""
+
+    def opens_and_closes(self, button, title):
+        self.assertTrue(button.get_action_iface().do_action(0))
+        cancel = until(lambda: self.cancel_of(title), f"{title!r} in the accessible tree")
+        self.assertTrue(cancel.get_action_iface().do_action(0))
+        self.application.gone("file chooser", title)
+        self.windows.wait_focus("Brindle" if title != "Open File" else "Receive File")
+
+    def cancel_of(self, title):
+        chooser = self.application.look("file chooser", title)
+        return chooser and next((each for each in everything(chooser)
+                                 if each.get_role_name() == "push button" and each.get_name() == "Cancel"), None)
+
+    def test_can_be_found_and_left_by_it(self):
+        self.begin()
+        self.session.send("chat Ann\nhello")
+        save = self.application.find("push button", "Download Chat")
+        until(lambda: has_state(save, Atspi.StateType.SENSITIVE), "the transcript can be saved")
+        self.opens_and_closes(save, "Save Chat Transcript")
+        offer = self.ask("dialogPrompt fileTransferReceive a.txt")
+        self.mark()
+        self.opens_and_closes(offer.button("Change Path"), "Open File")
+        self.hears("monitorData fileTransferSend")
+        self.assertEqual(self.session.warnings(), [])
+
+
 if __name__ == "__main__":
     main()
