@@ -1,0 +1,113 @@
+"""The pages against the sources: the log lines that they quote, the places that they name, and where their links lead."""
+
+import pathlib
+import re
+import unittest
+
+TOP = pathlib.Path(__file__).parents[2]
+PAGES = sorted([TOP / "README.md", *TOP.glob("docs/*.md"), *TOP.glob("tools/*/README.md")])
+
+_LITERAL = r'"(?:[^"\\\n]|\\.)*"'
+_TEXT = rf"{_LITERAL}(?:\s*{_LITERAL})*"
+_COMMENT = re.compile(rf"({_LITERAL})|//[^\n]*|/\*.*?\*/", re.DOTALL)
+_CALL = re.compile(r"\b(?:UI_(?P<level>ERROR|INFO|INFO_AS|TRACE|DEBUG)|log_print)\((?P<arguments>.*?)\);", re.DOTALL)
+# Log texts that stand in a table, or are handed to the function that logs them.
+_TABLES = {
+    "src/Dialog/questionTable.cpp": rf"\{{Line::\w+, (?:nullptr|{_LITERAL}), \w+, ({_TEXT})\}}",
+    "src/Protocol/sessionStatus.cpp": rf'\{{"[\w-]+", ({_TEXT}), \w+',
+    "src/Utils/installLayout.cpp": r'("\w+ Path Set")',
+    "src/Utils/toolkitCompatibility.cpp": r'("set_widget_margins: [^"]+")',
+    "src/localizationText.cpp": rf"FileMessages \w+ = \{{({_TEXT}), (?:{_TEXT})\}}",
+}
+_SECOND_MESSAGE = rf"FileMessages \w+ = \{{(?:{_TEXT}), ({_TEXT})\}}"
+_TROUBLE = re.compile(r"[Ee]rr?ro|[Ff]ail|[Cc]ould not|cant |Dont |doenn't|[Uu]nhandled|No ")
+_VARIES = "…"
+
+
+def source(path):
+    """A file of the program without its comments."""
+    return _COMMENT.sub(lambda match: match[1] or " ", path.read_text())
+
+
+def spoken(literals):
+    """A log text as a page quotes it."""
+    text = "".join(literal[1:-1] for literal in re.findall(_LITERAL, literals))
+    text = re.sub(r"%z?[a-z]", _VARIES, text.replace(r"\n", "").replace(r"\"", '"'))
+    return text.strip() + (" " + _VARIES if text.endswith("file ") else "")  # what went wrong is put behind it
+
+
+def log_texts():
+    """Every text that can come into the log, with its level. DEBUG is off in the program."""
+    texts = set()
+    for path in TOP.glob("src/**/*.cpp"):
+        text = source(path)
+        for call in _CALL.finditer(text):
+            level, arguments = call["level"] or "", call["arguments"]
+            if level == "DEBUG" or "levelDebug" in arguments:
+                continue
+            if level == "INFO_AS":
+                arguments = arguments.split(",", 1)[1]
+            texts |= {(level, spoken(literals)) for literals in re.findall(_TEXT, arguments)}
+        pattern = _TABLES.get(str(path.relative_to(TOP)))
+        found = re.findall(pattern, text) + re.findall(_SECOND_MESSAGE, text) if pattern else []
+        texts |= {("INFO", spoken(literals)) for literals in found}
+    return texts
+
+
+def rows(page, first):
+    """The cells of the tables whose first column has this heading."""
+    inside = False
+    for line in page.splitlines():
+        cells = [cell.strip() for cell in line.strip("|").split(" |")]
+        if not line.startswith("|"):
+            inside = False
+        elif cells[0] == first:
+            inside = True
+        elif inside and not line.startswith("|---"):
+            yield cells
+
+
+def matches(quoted, text):
+    return re.fullmatch(".+".join(map(re.escape, quoted.split(_VARIES))), text) is not None
+
+
+class Troubleshooting(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.texts = log_texts()
+        page = (TOP / "docs/troubleshooting.md").read_text()
+        cls.firsts = [cells[0] for cells in rows(page, "log line")]
+        cls.quoted = {line for cell in cls.firsts for line in re.findall("`([^`]+)`", re.sub(r"by `\w+`", "", cell))}
+
+    def test_finds_log_texts_of_every_kind_in_the_sources(self):
+        for text in (("ERROR", "Could not create desktop file: …"), ("INFO", "User Path Set"),
+                     ("INFO", "error reading resoruce file …"), ("INFO", "User has reJected session"),
+                     ("INFO_AS", "Active user is …"), ("INFO", "chat is disabled"),
+                     ("INFO", "set_widget_margins: error getting margin_end/margin_right")):
+            self.assertIn(text, self.texts)
+        self.assertGreater(len(self.quoted), 90)
+
+    def test_quotes_only_what_the_program_logs(self):
+        known = {text for _, text in self.texts}
+        unknown = [line for line in sorted(self.quoted) if not any(matches(line, text) for text in known)]
+        self.assertEqual(unknown, [])
+
+    def test_knows_every_line_that_tells_of_trouble(self):
+        missing = [text for level, text in sorted(self.texts) if level == "ERROR" or _TROUBLE.search(text)
+                   if not any(matches(line, text) for line in self.quoted)]
+        self.assertEqual(missing, [])
+
+    def test_marks_the_lines_of_the_level_error_and_no_others(self):
+        errors = {text for level, text in self.texts if level == "ERROR"}
+        marked = {re.search("`([^`]+)`", cell)[1] for cell in self.firsts if "✻" in cell}
+        self.assertEqual(marked, errors)
+
+    def test_names_functions_that_log(self):
+        names = {name for cell in self.firsts for name in re.findall(r"by `(\w+)`", cell)}
+        self.assertTrue(names)
+        sources = "".join(path.read_text() for path in TOP.glob("src/**/*.cpp"))
+        self.assertEqual([name for name in names if not re.search(rf"\b{name}\b", sources)], [])
+
+
+if __name__ == "__main__":
+    unittest.main()
