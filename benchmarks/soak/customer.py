@@ -13,7 +13,8 @@ from processes import until
 
 _LOOK_AT = pathlib.Path(__file__).with_name("lookAt.py")
 _TRIES = 6
-_PATIENCE_SECONDS = 2  # then another try: the window may have been on its way to its place
+_PATIENCE_SECONDS = 5  # then another try: the window may have been on its way to its place
+_STEADY_LOOKS, _LOOK_SECONDS = 3, 0.02  # a window stands still that was the same so often
 
 
 class Screen(Display):
@@ -29,6 +30,14 @@ class Screen(Display):
             _, self.came = self.wait_for_map(0.2)
             return True
         except TimeoutError:
+            return False
+
+    def focused_in(self, window):
+        """This window, or one in it, has the keyboard."""
+        try:
+            focus = self._display.get_input_focus().focus
+            return focus == window or focus.query_tree().parent == window
+        except (error.XError, AttributeError):  # it has just gone, or nobody has it
             return False
 
     def exists(self, window):
@@ -71,9 +80,8 @@ class Customer:
         """
         window = window or self.window
         for _ in range(_TRIES):
-            place = self._steady_place(window)
-            # A control stands elsewhere when its window has another size.
-            key = where, self._screen.height(window), role, name
+            place, height = self._steady(window)
+            key = where, height, role, name  # a control stands elsewhere when its window has another size
             self._click(place, key, role, name)
             if self._comes_true(is_done):
                 return
@@ -95,9 +103,18 @@ class Customer:
             keys("key", "Escape")
         raise TimeoutError(f"nothing comes of {button!r}")
 
-    def type(self, text):
-        keys("type", "--delay", "2", text)
-        keys("key", "Return")
+    def type_into(self, name, text, is_done):
+        """Replaces what stands in a field, and ends with the return key, until something has happened."""
+        for _ in range(_TRIES):
+            self.press(name, self._has_keyboard, role="text")
+            keys("key", "ctrl+a", "BackSpace", "type", "--delay", "2", text)
+            keys("key", "Return")
+            if self._comes_true(is_done):
+                return
+        raise TimeoutError(f"nothing comes of what is typed into {name!r}")
+
+    def _has_keyboard(self):
+        return self._screen.focused_in(self.window)
 
     def _menu_comes(self):
         try:
@@ -106,15 +123,18 @@ class Customer:
         except TimeoutError:
             return False
 
-    def _steady_place(self, window):
-        before = None
-        for _ in range(100):
-            place = self._screen.place(window)
-            if place == before:
-                return place
-            before = place
-            time.sleep(0.01)
-        raise TimeoutError("a window that never stands still")
+    def _steady(self, window):
+        """Place and height of a window that stands still."""
+        before, looks = None, 0
+        end = time.monotonic() + 30
+        while looks < _STEADY_LOOKS:
+            now = self._screen.place(window), self._screen.height(window)
+            looks = looks + 1 if now == before else 0
+            before = now
+            time.sleep(_LOOK_SECONDS)
+            if time.monotonic() > end:
+                raise TimeoutError("a window that never stands still")
+        return before
 
     def _click(self, place, key, role, name):
         if key not in self._offsets:

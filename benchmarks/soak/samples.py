@@ -12,7 +12,7 @@ _WARM_UP = 0.1  # of the run; what the toolkit loads on first use has been loade
 @dataclasses.dataclass
 class Sample:
     minutes: float
-    messages: int  # in the conversation so far
+    entries: int  # in the conversation so far
     private_kib: int
     share_kib: int  # proportional
     handles: int
@@ -45,17 +45,17 @@ def _children(pid):
             yield state
 
 
-def take(process, screen, window, log, minutes, messages, with_accessibles):
+def take(process, screen, window, log, minutes, entries, with_accessibles):
     share, private = process.memory()
     states = list(_children(process.pid))
     windows, resources = screen.resources(window)
-    return Sample(minutes, messages, private, share, process.handles(), process.threads(), windows, resources,
+    return Sample(minutes, entries, private, share, process.handles(), process.threads(), windows, resources,
                   len(states), states.count("Z"), log.stat().st_size,
                   look_at(process)[0] if with_accessibles else None)
 
 
-def without_conversation(sample, kib_per_message):
-    return sample.private_kib - sample.messages * kib_per_message
+def without_conversation(sample, kib_per_entry):
+    return sample.private_kib - sample.entries * kib_per_entry
 
 
 def _quarters(samples, read):
@@ -79,12 +79,12 @@ def _no_more(name, samples, read):
 _MEMORY_LIMIT = 1.03
 
 
-def judge(samples, kib_per_message):
+def judge(samples, kib_per_entry):
     return [
         _at_most_more("private memory without the conversation, MiB", samples,
-                      lambda each: without_conversation(each, kib_per_message) / 1024, _MEMORY_LIMIT),
+                      lambda each: without_conversation(each, kib_per_entry) / 1024, _MEMORY_LIMIT),
         _at_most_more("proportional share without the conversation, MiB", samples,
-                      lambda each: (each.share_kib - each.messages * kib_per_message) / 1024, _MEMORY_LIMIT),
+                      lambda each: (each.share_kib - each.entries * kib_per_entry) / 1024, _MEMORY_LIMIT),
         _no_more("handles", samples, lambda each: each.handles),
         _no_more("threads", samples, lambda each: each.threads),
         _no_more("windows on the X server", samples, lambda each: each.windows),

@@ -130,28 +130,34 @@ class Work:
 
     # ------------------------------------------------------------------------------------------------------- chat
 
-    def receive(self, message, name):
+    def _receive(self, message, name):
         words = f"chat {name}\n{urllib.parse.quote(message, safe='')}"
         self._agent.send(words)
         self._agent.settle()  # its line may be read as the message's third, which nothing shows
         self.done["messages"] += 1
 
-    def chat(self):
-        agent = self._agent
+    def chat(self, times=1):
+        """Two messages, an invitation and a reply; so often."""
         with self._panel("Chat"):
-            for _ in range(2):
-                self.receive(next(self._messages), next(self._names))
-            agent.send_and_wait(f"AR_SESSION https://example.org/ar {next(self._names)}",
-                                "AR Session initiate message received")
-            self.done["invitations"] += 1
-            self._reply("Yes", "chat Yes%0A")
+            for _ in range(times):
+                self._receive(next(self._messages), next(self._names))
+                self._receive(next(self._messages), next(self._names))
+                self._invite(next(self._names))
+                self._reply("Yes", "chat Yes%0A")
             if self.done["rounds"] % _TRANSCRIPTS_EVERY == 0:
                 self._save_transcript()
 
+    def entries(self):
+        """How many there are in the conversation."""
+        return self.done["messages"] + self.done["invitations"]
+
+    def _invite(self, name):
+        self._agent.send_and_wait(f"AR_SESSION https://example.org/ar {name}", "AR Session initiate message received")
+        self.done["invitations"] += 1
+
     def _reply(self, text, line):
         mark = self._agent.mark()
-        self._customer.press("Message", lambda: True, role="text")
-        self._customer.type(text)
+        self._customer.type_into("Message", text, lambda: self._agent.has(mark, line))
         self._agent.expect(mark, line)
         self.done["messages"] += 1
 
