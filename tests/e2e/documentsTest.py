@@ -109,5 +109,76 @@ class Troubleshooting(unittest.TestCase):
         self.assertEqual([name for name in names if not re.search(rf"\b{name}\b", sources)], [])
 
 
+def slug(heading):
+    """The anchor of a heading."""
+    return re.sub(r"[^\w -]", "", heading.replace("`", "").lower()).replace(" ", "-")
+
+
+def prose(page):
+    """A page without its blocks of code."""
+    return re.sub(r"^```.*?^```$", "", page.read_text(), flags=re.DOTALL | re.MULTILINE)
+
+
+class EveryPage(unittest.TestCase):
+    def test_leads_to_pages_pictures_and_headings_that_exist(self):
+        lost = []
+        for page in PAGES:
+            for target in re.findall(r"\]\(([^)\s]+)\)", prose(page)):
+                path, _, anchor = target.partition("#")
+                file = (page.parent / path).resolve() if path else page
+                if re.match(r"\w+://", target):
+                    continue
+                if not file.exists():
+                    lost.append(f"{page.name}: {target}")
+                elif anchor and anchor not in map(slug, re.findall(r"^#+ (.*)$", file.read_text(), re.MULTILINE)):
+                    lost.append(f"{page.name}: {target}")
+        self.assertEqual(lost, [])
+
+    def test_names_files_that_exist(self):
+        folders = "Logger|benchmarks|cmake|docs|packaging|resources|scripts|src|tests|tools"
+        lost = []
+        for page in PAGES:
+            for name in re.findall(rf"`((?:{folders})/[\w./*-]*)", prose(page)):
+                if "NAME" not in name and not list(TOP.glob(name.rstrip("/.") if name.endswith("/") else name)):
+                    lost.append(f"{page.name}: {name}")
+        self.assertEqual(lost, [])
+
+    def test_names_things_that_are_there(self):
+        """Functions, tables, variables and whatever else is written as a name, on the pages about the code."""
+        sources = "".join(path.read_text() for tree in ("Logger", "src", "tests", "tools", "cmake")
+                          for path in TOP.glob(f"{tree}/**/*.*") if path.suffix in (".cpp", ".h", ".py", ".c", ".txt"))
+        sources += "".join(path.read_text() for path in (TOP / "CMakePresets.json", *TOP.glob("scripts/*")))
+        sources += " ".join(path.stem for path in TOP.glob("src/**/*.cpp"))
+        lost = []
+        for name in ("architecture", "newPrompt"):
+            page = TOP / f"docs/{name}.md"
+            added = "".join(re.findall(r"^\+.*$", page.read_text(), re.MULTILINE))
+            names = set(re.findall(r"`([A-Za-z_]\w{3,})`", prose(page)))
+            self.assertIn("answerQuestion", names)
+            lost += [f"{name}.md: {word}" for word in sorted(names) if not re.search(rf"\b{word}\b", sources + added)]
+        self.assertEqual(lost, [])
+
+    def test_is_found_from_the_readme(self):
+        readme = (TOP / "README.md").read_text()
+        self.assertEqual([page.name for page in TOP.glob("docs/*.md") if f"(docs/{page.name})" not in readme], [])
+
+
+class NewPrompt(unittest.TestCase):
+    """The recipe names places: what is there already stands in its blocks without a "+"."""
+
+    def test_shows_places_that_are_there(self):
+        blocks = re.findall(r"^```diff\n(.*?)\n```$", (TOP / "docs/newPrompt.md").read_text(), re.DOTALL | re.MULTILINE)
+        self.assertGreater(len(blocks), 10)
+        lost = []
+        for block in blocks:
+            name, *lines = block.split("\n")
+            text = (TOP / name).read_text()
+            for part in "\n".join(lines).split("\n@@\n"):
+                place = "\n".join(line[1:] for line in part.split("\n") if not line.startswith("+"))
+                if not place or f"\n{place}\n" not in f"\n{text}\n":
+                    lost.append(f"{name}: {place}")
+        self.assertEqual(lost, [])
+
+
 if __name__ == "__main__":
     unittest.main()
