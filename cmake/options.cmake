@@ -13,7 +13,8 @@ if(NOT BRINDLE_SANITIZE)
 endif()
 
 if(BRINDLE_SANITIZE)
-    add_compile_options(-fsanitize=${BRINDLE_SANITIZE} -fno-omit-frame-pointer -O1)
+    # Lines are what a report needs; without the rest and unoptimised, the build takes a third of the time.
+    add_compile_options(-fsanitize=${BRINDLE_SANITIZE} -fno-omit-frame-pointer -g1)
     add_link_options(-fsanitize=${BRINDLE_SANITIZE})
     if(BRINDLE_SANITIZE MATCHES "thread")
         # The race checker can't see into GLib's locks, queues and sources: a shim tells it what they order.

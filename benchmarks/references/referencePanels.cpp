@@ -2,10 +2,10 @@
 // the conversation's tags, and rows of a picture, a name and a button with a menu. The FIFO ORDERS says what is added,
 // one thing in each turn of the main loop: "messages COUNT" or "participants COUNT".
 
+#include <glib-unix.h>
 #include <gtk/gtk.h>
 
 #include <fcntl.h>
-#include <glib-unix.h>
 #include <unistd.h>
 
 #include <cstdio>

@@ -111,8 +111,8 @@ int main(int argc, char **argv)
         loadStyle(argv[2]);
     showWindow();
     queue = g_async_queue_new_full(g_free);
-    g_thread_new("reader", readTexts, nullptr);
-    g_thread_new("dispatcher", dispatchTexts, nullptr);
+    g_thread_unref(g_thread_new("reader", readTexts, nullptr));
+    g_thread_unref(g_thread_new("dispatcher", dispatchTexts, nullptr));
     gtk_main();
     return 0;
 }

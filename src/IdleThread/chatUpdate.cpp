@@ -97,8 +97,8 @@ void scheduleRest(ChatWindow *chatwindow)
 /// The window of the conversation has gone: what still comes is in the transcript only.
 void dropWaiting(ChatWindow *chatwindow)
 {
-    while (takeNext(chatwindow))
-        continue;
+    while (takeNext(chatwindow)) {
+    }
 }
 
 } // namespace

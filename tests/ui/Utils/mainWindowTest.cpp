@@ -325,8 +325,20 @@ TEST_F(ControlWindow, SendFileAsksForFilesToEveryTechnician)
 {
     gtk_button_clicked(GTK_BUTTON(mainWindow->sendFile));
     EXPECT_STREQ(g_receiverId, "-1");
-    // The chooser is due, but opens only when the main loop turns.
-    EXPECT_TRUE(g_idle_remove_by_data(mainWindow));
+    EXPECT_FALSE(findWindow("Send File")); // it opens when the main loop turns
+    bool wasOpen = false;
+    g_timeout_add(
+        20,
+        [](gpointer data) -> gboolean {
+            GtkWidget *const chooser = findWindow("Send File");
+            if (!chooser)
+                return G_SOURCE_CONTINUE;
+            *static_cast<bool *>(data) = true;
+            gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_CANCEL);
+            return G_SOURCE_REMOVE;
+        },
+        &wasOpen);
+    EXPECT_TRUE(waitUntil([&] { return wasOpen && !findWindow("Send File"); }));
 }
 
 TEST_F(ControlWindow, AnEndlessStatusLeavesTheWidthAsItIs)

@@ -179,7 +179,11 @@ TEST_F(Controls, TheSettingsEntryAsksForTheWebSite)
 TEST_F(Controls, TheCloseButtonAsksAndLeavesTheWindow)
 {
     EXPECT_TRUE(on_window_main_delete(mainWindow->window, nullptr, mainWindow));
-    EXPECT_TRUE(g_idle_remove_by_data(mainWindow)); // the question is due
+    drainMainLoop();
+    g_autoptr(GList) windows = gtk_window_list_toplevels();
+    EXPECT_TRUE(g_list_find_custom(windows, nullptr, [](const void *window, const void *) {
+        return int(!findLabel(GTK_WIDGET(window), "Do you want to leave this Session?" + std::string(30, ' ')));
+    }));
     EXPECT_TRUE(isShown(mainWindow->window));
     EXPECT_EQ(agent->seen(), "");
 }

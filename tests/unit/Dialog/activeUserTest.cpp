@@ -73,9 +73,10 @@ private:
             value == failing
                 ? g_dbus_message_new_method_error_literal(message, "org.freedesktop.DBus.Error.Failed", "no")
                 : g_dbus_message_new_method_reply(message);
-        if (value != failing)
-            g_dbus_message_set_body(
-                reply, g_variant_new("(v)", g_variant_parse(nullptr, value.c_str(), nullptr, nullptr, nullptr)));
+        if (value != failing) {
+            g_autoptr(GVariant) parsed = g_variant_parse(nullptr, value.c_str(), nullptr, nullptr, nullptr);
+            g_dbus_message_set_body(reply, g_variant_new("(v)", parsed));
+        }
         g_dbus_connection_send_message(connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
         g_object_unref(message);
         return nullptr;

@@ -25,8 +25,7 @@ protected:
     }
     void TearDown() override
     {
-        freeResource();
-        g_hash = nullptr;
+        forget();
         g_isEnglish = true;
         TestSession::TearDown();
     }
@@ -55,7 +54,17 @@ protected:
         g_autofree char *encoded = g_base64_encode(reinterpret_cast<const guchar *>(json.data()), json.size());
         home.write("locale/" + name + "/resource.json", encoded);
     }
-    int load() const { return loadResource(home.file("locale").c_str()); }
+    /// Loads in place of what was loaded before.
+    int load() const
+    {
+        forget();
+        return loadResource(home.file("locale").c_str());
+    }
+    static void forget()
+    {
+        freeResource();
+        g_hash = nullptr;
+    }
     /// Everything the load logged, without trace lines.
     std::vector<std::string> loadLog()
     {
