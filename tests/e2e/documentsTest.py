@@ -6,6 +6,9 @@ import unittest
 
 TOP = pathlib.Path(__file__).parents[2]
 PAGES = sorted([TOP / "README.md", *TOP.glob("docs/*.md"), *TOP.glob("tools/*/README.md")])
+# They belong to no floor: they only include the topics of their folder.
+FRONT_DOORS = ("src/Utils/Utils.h", "src/Dialog/dialog.h", "src/IdleThread/IdleThread.h", "src/Chat/chat.h",
+               "src/Annotation/annotation.h")
 
 _LITERAL = r'"(?:[^"\\\n]|\\.)*"'
 _TEXT = rf"{_LITERAL}(?:\s*{_LITERAL})*"
@@ -161,6 +164,41 @@ class EveryPage(unittest.TestCase):
     def test_is_found_from_the_readme(self):
         readme = (TOP / "README.md").read_text()
         self.assertEqual([page.name for page in TOP.glob("docs/*.md") if f"(docs/{page.name})" not in readme], [])
+
+
+class Floors(unittest.TestCase):
+    """The architecture page gives every source file a floor; a file includes none of a higher one."""
+
+    @classmethod
+    def setUpClass(cls):
+        page = (TOP / "docs/architecture.md").read_text()
+        cls.files, cls.folders = {}, {}
+        for floor, _, where in rows(page, "floor"):
+            for place, topics in re.findall(r"`([\w/.*]+)`(?: \(((?:`\w+`(?:, )?)+)\))?", where):
+                names = [place + topic for topic in re.findall(r"\w+", topics)] or [place]
+                for name in names:
+                    known = cls.folders if name.endswith("/") else cls.files
+                    known[name.removesuffix(".*")] = int(floor)
+
+    def floor(self, path):
+        stem = path.rsplit(".", 1)[0]
+        folder = path.rsplit("/", 1)[0] + "/"
+        return self.files.get(path, self.files.get(stem, self.folders.get(folder)))
+
+    def sources(self):
+        for path in sorted([*TOP.glob("src/**/*.*"), *TOP.glob("Logger/*.*")]):
+            name = str(path.relative_to(TOP))
+            if path.suffix in (".cpp", ".h") and name not in FRONT_DOORS:
+                yield name, path.read_text()
+
+    def test_have_every_source_file(self):
+        self.assertEqual([name for name, _ in self.sources() if self.floor(name) is None], [])
+
+    def test_hold_what_the_files_include(self):
+        upwards = [f"{name} includes {included}" for name, text in self.sources()
+                   for included in re.findall(r'#include "([^"]+)"', text)
+                   if included not in FRONT_DOORS and self.floor(included) > self.floor(name)]
+        self.assertEqual(upwards, [])
 
 
 class NewPrompt(unittest.TestCase):
