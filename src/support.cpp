@@ -32,6 +32,8 @@ GSList *nestedDialogs = nullptr;
 
 // How long callbacks run before the window may draw and answer again.
 constexpr gint64 sliceUs = 8000;
+// How long they may wait while the window does nothing but draw.
+constexpr guint starvingMs = 100;
 
 /// A callback on its way to the main thread.
 struct Task {
@@ -44,19 +46,21 @@ void run(const MainCall &call)
     call.call(call.callback, call.record);
 }
 
-// The callbacks in their order, and whether a source is there to run them; under `tasksMutex`. One source runs them
-// all: an agent may send a hundred thousand lines in one text.
+// The callbacks in their order, and whether the sources are there that run them; under `tasksMutex`. One source runs
+// them all when the window has nothing to do: an agent may send a hundred thousand lines in one text. The other one
+// runs them when drawing leaves no time, as a file chooser's animation does on a slow machine.
 GMutex tasksMutex;
 Task *firstTask = nullptr;
 Task *lastTask = nullptr;
-bool isSourceAttached = false;
+bool isIdleSourceAttached = false;
+bool isTimeoutAttached = false;
 
-/// The next callback; one without a function when there is none, and then the source is to go.
-MainCall takeTask()
+/// The next callback; one without a function when there is none, and then the source that asks is to go.
+MainCall takeTask(bool *isAttached)
 {
     const MutexLock lock(&tasksMutex);
     if (!firstTask) {
-        isSourceAttached = false;
+        *isAttached = false;
         return {};
     }
     Task *const taken = firstTask;
@@ -68,12 +72,12 @@ MainCall takeTask()
     return call;
 }
 
-gboolean runTasks(gpointer)
+gboolean runTasks(gpointer isAttached)
 {
     const gint64 end = g_get_monotonic_time() + sliceUs;
     // What is left when the program is to end stays undone.
     while (!quit_requested() && g_get_monotonic_time() < end) {
-        const MainCall next = takeTask();
+        const MainCall next = takeTask(static_cast<bool *>(isAttached));
         if (!next.callback)
             return G_SOURCE_REMOVE;
         run(next);
@@ -81,25 +85,26 @@ gboolean runTasks(gpointer)
     return G_SOURCE_CONTINUE;
 }
 
-/// True when the caller has to attach the source.
-bool appendTask(const MainCall &call)
+void attach(GSource *source, bool *isAttached)
+{
+    g_source_set_callback(source, runTasks, isAttached, nullptr);
+    // A callback may run a loop of its own, a file chooser's; the others go on meanwhile.
+    g_source_set_can_recurse(source, TRUE);
+    g_source_attach(source, nullptr);
+    g_source_unref(source);
+}
+
+void appendTask(const MainCall &call)
 {
     auto *const task = g_new(Task, 1);
     *task = {call, nullptr};
     const MutexLock lock(&tasksMutex);
     (lastTask ? lastTask->next : firstTask) = task;
     lastTask = task;
-    return !std::exchange(isSourceAttached, true);
-}
-
-void attachTaskSource()
-{
-    GSource *const source = g_idle_source_new();
-    g_source_set_callback(source, runTasks, nullptr, nullptr);
-    // A callback may run a loop of its own, a file chooser's; the others go on meanwhile.
-    g_source_set_can_recurse(source, TRUE);
-    g_source_attach(source, nullptr);
-    g_source_unref(source);
+    if (!std::exchange(isIdleSourceAttached, true))
+        attach(g_idle_source_new(), &isIdleSourceAttached);
+    if (!std::exchange(isTimeoutAttached, true))
+        attach(g_timeout_source_new(starvingMs), &isTimeoutAttached);
 }
 
 const char *endOfWord(const char *at)
@@ -239,8 +244,7 @@ void run_on_main_untyped(const MainCall &call)
         run(call);
         return;
     }
-    if (appendTask(call))
-        attachTaskSource();
+    appendTask(call);
 }
 
 void connect_nested_click_untyped(GtkWidget *button, const ClickCall &call)

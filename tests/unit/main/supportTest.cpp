@@ -132,6 +132,20 @@ TEST(HandOver, FromAWorkerHappensOnceAndInOrder)
     EXPECT_THAT(ran, ::testing::ElementsAre(1, 2, 3));
 }
 
+TEST(HandOver, ReachesAWindowThatIsAlwaysDrawing)
+{
+    adopt_main_thread();
+    // as an animation whose every frame takes longer than it may
+    const guint drawing = g_idle_add_full(
+        G_PRIORITY_HIGH_IDLE + 20, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr, nullptr);
+    int numbers[] = {1, 2};
+    for (int &number : numbers) {
+        std::thread([&] { run_on_main(note, &number); }).join();
+        EXPECT_TRUE(waitUntil([&] { return !ran.empty() && ran.back() == number; }));
+    }
+    g_source_remove(drawing);
+}
+
 TEST(EndOfTheProgram, AskedForBeforeTheLoopIsKept)
 {
     EXPECT_FALSE(quit_requested());
