@@ -147,13 +147,21 @@ def _extents_in_compositor(accessible):
     around = top_level(accessible)
     whole = around.get_extents(Atspi.CoordType.WINDOW)
     window = Compositor().holding(around.get_process_id(), around.get_name(), (whole.width, whole.height))
-    if not window or inside.width <= 0:
+    if not window or inside.width <= 0 or not _is_drawn(*window.rectangle):
         return None
     left, top = window.rectangle[:2]
     if window.shadow((whole.width, whole.height)):
         parts = [part.get_extents(Atspi.CoordType.WINDOW) for part in children(around) if shown(part)]
         left, top = left - min(part.x for part in parts), top - min(part.y for part in parts)
     return left + inside.x, top + inside.y, inside.width, inside.height
+
+
+def _is_drawn(x, y, width, height):
+    """No corner shows the desktop: the compositor knows windows, and gives them the keyboard, before it shows them."""
+    inset = 8  # corners may be round
+    corners = [(x + right, y + bottom) for right in (inset, width - inset) for bottom in (inset, height - inset)
+               if on_screen(x + right, y + bottom)]
+    return all(colour_at(*corner) != colour_at(0, 0) for corner in corners)
 
 
 def _steady_extents(accessible):
@@ -191,7 +199,8 @@ def click(accessible, button=1):
         accessible.get_action_iface().do_action(0)
         return
     x, y = place_of(accessible)
-    xdotool("mousemove", x, y, "click", button)
+    # A compositor sees what is under a pointer that moves.
+    xdotool("mousemove", x - 1, y, "mousemove", x, y, "click", button)
 
 
 def key(*names):
@@ -201,6 +210,10 @@ def key(*names):
 def picture(path):
     """A picture of the whole screen, for whoever looks into a failure."""
     subprocess.run(["import", "-window", "root", str(path)], check=False, timeout=30)
+
+
+def on_screen(x, y):
+    return 0 <= x < the_display().screen().width_in_pixels and 0 <= y < the_display().screen().height_in_pixels
 
 
 def colour_at(x, y):
