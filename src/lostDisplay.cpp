@@ -8,6 +8,9 @@
 #include <X11/Xlib.h>
 #include <glib-unix.h>
 #include <gmodule.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 namespace
 {
@@ -16,17 +19,18 @@ using Connection = gpointer (*)(GdkDisplay *);
 using Descriptor = int (*)(gpointer);
 
 // Written by before_lost_display, before either display can be found lost.
-void (*leaveProgram)() = nullptr;
+void (*cleanUp)() = nullptr;
 
 int leaveXServer(Display *)
 {
-    leaveProgram();
-    return 0;
+    cleanUp();
+    _exit(EXIT_FAILURE);
 }
 
+/// The toolkit is next: it prints what went wrong and ends the process with the same status.
 gboolean leaveCompositor(int, GIOCondition, gpointer)
 {
-    leaveProgram();
+    cleanUp();
     return G_SOURCE_REMOVE;
 }
 
@@ -49,9 +53,9 @@ int findConnection(GdkDisplay *display)
 
 } // namespace
 
-void before_lost_display(void (*leave)())
+void before_lost_display(void (*clean)())
 {
-    leaveProgram = leave;
+    cleanUp = clean;
     XSetIOErrorHandler(leaveXServer);
     GdkDisplay *const display = gdk_display_get_default();
     if (g_strcmp0(G_OBJECT_TYPE_NAME(display), "GdkWaylandDisplay") != 0)

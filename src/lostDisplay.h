@@ -2,5 +2,5 @@
 // The display goes away, an X server or a Wayland compositor: the toolkit can do nothing any more and ends the process.
 
 /// Names what is to be done before. Thread: main, once the toolkit is there.
-/// @param leave  called once the display has gone; does not return, and touches neither toolkit nor display
-void before_lost_display(void (*leave)());
+/// @param clean  called once the display has gone; touches neither toolkit nor display
+void before_lost_display(void (*clean)());

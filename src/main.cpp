@@ -19,10 +19,8 @@
 #include <X11/Xlib.h>
 
 #include <malloc.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 
 namespace
 {
@@ -291,11 +289,10 @@ void shutDown()
 // ------------------------------------------------------------------------------------------------------ a lost display
 
 /// The toolkit can do nothing any more: only the log and the file system are left.
-void leaveLostDisplay()
+void cleanUpLostDisplay()
 {
     UI_INFO_AS("main", "the display has gone");
     removeTraces();
-    _exit(EXIT_FAILURE);
 }
 
 } // namespace
@@ -311,7 +308,7 @@ int main(int argc, char **argv)
     session.mainWindow->clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
     if (!registerOnlyInstance(&session.application))
         return 0;
-    before_lost_display(leaveLostDisplay);
+    before_lost_display(cleanUpLostDisplay);
     openLogAndChannel();
     openWindow();
     startThreads();
