@@ -7,7 +7,7 @@
 /// lines of a question that still fits a small screen.
 inline constexpr int scrolledTextRoom = 600;
 /// Room that a question may take at most; the rest is cut.
-inline constexpr int readableTextRoom = 8000;
+inline constexpr int readableTextRoom = 16000;
 
 /// How much room a text takes: one for each character, a line's worth for each line break; never more than one past
 /// `readableTextRoom`, however long the text is.

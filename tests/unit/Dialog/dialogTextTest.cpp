@@ -93,6 +93,16 @@ TEST(LongText, IsCutWhereNobodyReadsOn)
     EXPECT_TRUE(wasCut);
 }
 
+TEST(LongText, TermsOfSeveralPagesStayWhole)
+{
+    std::string terms;
+    for (int i = 0; i < 150; i++)
+        terms += "The technician may see everything on the screen while sharing.\n";
+    bool wasCut = true;
+    EXPECT_EQ(cutToReadable(terms.c_str(), &wasCut).get(), terms);
+    EXPECT_FALSE(wasCut) << "nobody could join";
+}
+
 TEST(LongText, WordsOfUsualLengthStayAsTheyAre)
 {
     bool wasCut = true;
