@@ -38,7 +38,7 @@ QUESTIONS = [
     Question("dialogPrompt rebootPc", "Reboot PC", buttons("Yes", "No"), "No"),
     Question("dialogPrompt configureURS 7", "Brindle", buttons("Yes", "No"), "No"),
     Question("dialogPrompt lockuser", "Lock screen", buttons("Yes", "No"), "No"),
-    Question("clipboard", "Clipboard Permission", buttons("Allow always", "Allow once"), "Allow always", guarded=True),
+    Question("clipboard", "Clipboard Permission", buttons("Allow always", "Allow once"), "Allow once", guarded=True),
     Question(f"dialogPrompt samecon {encoded('Join us?')}", "Brindle", buttons("Join", "Cancel"), "Cancel"),  # ends it
 ]
 CONTROLS = {role for question in QUESTIONS for role, _ in question.controls} | {"toggle button", "text", "link"}
