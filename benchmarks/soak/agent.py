@@ -9,7 +9,7 @@ import threading
 from processes import LogTail, until, write_text
 
 _PLACE = b"dialogResponse dialog_position "
-_CHAT = re.compile(rb"(chat [^\n]*%0A)")  # a message that the customer typed has no newline of its own
+_CHAT = re.compile(rb"(chat [^\n]*?%0A)")  # a message that the customer typed has no newline of its own
 
 
 class Agent:

@@ -50,10 +50,11 @@ class Screen(Display):
         return window.get_geometry().height
 
     def resources(self, window):
-        """What the X server holds for the program of this window: (windows, everything)."""
-        types = res.query_client_resources(self._display, window.id).types
-        windows = self._display.intern_atom("WINDOW")
-        return (sum(each.count for each in types if each.resource_type == windows), sum(each.count for each in types))
+        """What the X server holds for the program of this window: (windows, pictures and glyphs, all else)."""
+        counts = {self._display.get_atom_name(each.resource_type): each.count
+                  for each in res.query_client_resources(self._display, window.id).types}
+        windows, drawn = counts.pop("WINDOW"), counts.pop("PICTURE", 0) + counts.pop("GLYPHSET", 0)
+        return windows, drawn, sum(counts.values())
 
 
 def look_at(process, *words):

@@ -81,10 +81,10 @@ def _work_rows(result):
     yield "all lines from the agent", result.lines_sent
     yield "lines to the agent, without reports of places", result.heard.total()
     yield "reports of places of dialogs", result.places
-    yield "dialogs opened and closed", sum(questions.values()) + done["transcripts"]
+    yield "dialogs opened and closed", sum(questions.values()) + done["choosers"] // 3
     for how, count in questions.items():
         yield f"… {how}", count
-    yield "… folder choosers", done["transcripts"]
+    yield "of all these, choosers of files and folders", done["choosers"]
     yield "participants that came, were modified and left", done["participants"]
     yield "entries taken from menus", done["menus"]
     yield "chat messages, both ways", done["messages"]

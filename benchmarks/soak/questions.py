@@ -58,6 +58,5 @@ QUESTIONS = (
              "fileTransferReceive a%20b.txt %D7%AA%D7%9E.pdf", (
                  ("Save", ("monitorData fileTransferRecive", *_response("FTAccept %2Ftmp%2F"))),
                  *_refused("Cancel", "monitorData fileTransferRecive", *_response("FTCancel")))),
-    Question("dialogPrompt fileTransfer 7", "", (
-        ("Cancel", (_CHOOSER_GONE,)), (FRAME, (_CHOOSER_GONE,)))),
 )
+CHOOSER = Question("dialogPrompt fileTransfer 7", "", (("Cancel", (_CHOOSER_GONE,)), (FRAME, (_CHOOSER_GONE,))))

@@ -18,7 +18,8 @@ class Sample:
     handles: int
     threads: int
     windows: int
-    resources: int
+    pictures: int  # that the toolkit's drawing library keeps on the X server, and glyphs
+    resources: int  # all else there
     children: int
     zombies: int
     log_bytes: int
@@ -48,9 +49,9 @@ def _children(pid):
 def take(process, screen, window, log, minutes, entries, with_accessibles):
     share, private = process.memory()
     states = list(_children(process.pid))
-    windows, resources = screen.resources(window)
-    return Sample(minutes, entries, private, share, process.handles(), process.threads(), windows, resources,
-                  len(states), states.count("Z"), log.stat().st_size,
+    windows, pictures, resources = screen.resources(window)
+    return Sample(minutes, entries, private, share, process.handles(), process.threads(), windows, pictures,
+                  resources, len(states), states.count("Z"), log.stat().st_size,
                   look_at(process)[0] if with_accessibles else None)
 
 
@@ -71,24 +72,33 @@ def _at_most_more(name, samples, read, share):
     return Growth(name, first, last, f"<= {share:.2f} times", last <= first * share)
 
 
-def _no_more(name, samples, read):
+def _no_more(name, samples, read, but=0):
     first, last = _quarters(samples, read)
-    return Growth(name, first, last, "no more", last <= first)
+    return Growth(name, first, last, f"{but} more" if but else "no more", last <= first + but)
+
+
+def _below(name, samples, read, limit):
+    first, last = _quarters(samples, read)
+    return Growth(name, first, last, f"<= {limit}", last <= limit)
 
 
 _MEMORY_LIMIT = 1.03
+_TOOLTIP = 1  # the toolkit's window for tooltips comes with the first of them and stays
+_OF_TOOLTIP = 2  # what belongs to that window
+_PICTURES_LIMIT = 600  # the drawing library keeps one for each shade of grey and of transparency that was ever drawn
 
 
 def judge(samples, kib_per_entry):
     return [
         _at_most_more("private memory without the conversation, MiB", samples,
                       lambda each: without_conversation(each, kib_per_entry) / 1024, _MEMORY_LIMIT),
-        _at_most_more("proportional share without the conversation, MiB", samples,
-                      lambda each: (each.share_kib - each.entries * kib_per_entry) / 1024, _MEMORY_LIMIT),
+        Growth("proportional share, MiB", *_quarters(samples, lambda each: each.share_kib / 1024), "none: it depends "
+               "on who else uses the toolkit", True),
         _no_more("handles", samples, lambda each: each.handles),
         _no_more("threads", samples, lambda each: each.threads),
-        _no_more("windows on the X server", samples, lambda each: each.windows),
-        _no_more("all its objects on the X server", samples, lambda each: each.resources),
+        _no_more("windows on the X server", samples, lambda each: each.windows, _TOOLTIP),
+        _below("pictures and glyphs there", samples, lambda each: each.pictures, _PICTURES_LIMIT),
+        _no_more("all else there", samples, lambda each: each.resources, _OF_TOOLTIP),
         _no_more("accessible objects", samples, lambda each: each.accessibles),
         _no_more("processes started and not ended", samples, lambda each: each.children),
         Growth("most ended ones not waited for, at any look", 0, max(each.zombies for each in samples), "none",

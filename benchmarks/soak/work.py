@@ -6,7 +6,7 @@ import time
 import urllib.parse
 
 from processes import until, write_text
-from questions import CANCELLED, FRAME, QUESTIONS, TIME
+from questions import CANCELLED, CHOOSER, FRAME, QUESTIONS, TIME
 
 NAMES = ("Ann Lee", "Jörg Müßig", "Łukasz Żółć", "Ольга", "דוד", "مريم", "日本 太郎", "한지민", "Ελένη", "नेहा", "ไทย", "👩‍💻 Zoë")
 MESSAGES = ("Good morning! Shall I have a look?", "Können Sie das Fenster öffnen?", "Что вы видите на экране?",
@@ -43,7 +43,6 @@ NOTICES = (("not32", "Cannot start annotation as this system doenn't support 32 
 _REPEATS = 40  # of the reports, in one text
 _ANSWERS = [(question, *answer) for question in QUESTIONS for answer in question.answers]
 _EACH_ROUND = 12  # of those
-_TRANSCRIPTS_EVERY = 20  # rounds
 _NOTICE_SECONDS = 0.4  # longer than a notice shows by the companion's clock
 
 
@@ -144,8 +143,6 @@ class Work:
                 self._receive(next(self._messages), next(self._names))
                 self._invite(next(self._names))
                 self._reply("Yes", "chat Yes%0A")
-            if self.done["rounds"] % _TRANSCRIPTS_EVERY == 0:
-                self._save_transcript()
 
     def entries(self):
         """How many there are in the conversation."""
@@ -161,13 +158,17 @@ class Work:
         self._agent.expect(mark, line)
         self.done["messages"] += 1
 
-    def _save_transcript(self):
-        """The customer looks for a folder and thinks better of it."""
-        self._screen.forget()
-        self._customer.press("Download Chat", self._screen.map_comes)
-        self._screen.close(self._screen.came)
-        self._screen.wait_for_end(self._screen.came)
-        self.done["transcripts"] += 1
+    def choose_files(self, times):
+        """The customer looks for a file, then for a folder, and thinks better of it."""
+        with self._panel("Chat"):
+            for _ in range(times):
+                for answer in CHOOSER.answers:
+                    self.ask(CHOOSER, *answer)
+                self._screen.forget()
+                self._customer.press("Download Chat", self._screen.map_comes)
+                self._screen.close(self._screen.came)
+                self._screen.wait_for_end(self._screen.came)
+                self.done["choosers"] += 1 + len(CHOOSER.answers)
 
     # ----------------------------------------------------------------------------------------------------- panels
 
