@@ -156,6 +156,17 @@ def _extents_in_compositor(accessible):
     return left + inside.x, top + inside.y, inside.width, inside.height
 
 
+def extents_of(window):
+    """A window's extents on the screen; of a menu in a compositor, where it may be."""
+    if not under_wayland():
+        extents = window.get_extents(Atspi.CoordType.SCREEN)
+        return extents.x, extents.y, extents.width, extents.height
+    extents = window.get_extents(Atspi.CoordType.WINDOW)
+    found = Compositor().holding(window.get_process_id(), window.get_name(), (extents.width, extents.height))
+    whole = the_display().screen()
+    return found.rectangle if found else (0, 0, whole.width_in_pixels, whole.height_in_pixels)
+
+
 def _is_drawn(x, y, width, height):
     """No corner shows the desktop: the compositor knows windows, and gives them the keyboard, before it shows them."""
     inset = 8  # corners may be round
@@ -198,7 +209,10 @@ def click(accessible, button=1):
     if under_wayland() and accessible.get_role_name() == "menu item":
         accessible.get_action_iface().do_action(0)
         return
-    x, y = place_of(accessible)
+    press(*place_of(accessible), button)
+
+
+def press(x, y, button=1):
     # A compositor sees what is under a pointer that moves.
     xdotool("mousemove", x - 1, y, "mousemove", x, y, "click", button)
 
