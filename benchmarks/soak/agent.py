@@ -56,11 +56,11 @@ class Agent:
         return lambda: self._log.count(words.encode())
 
     def settle(self):
-        """Waits until the companion has worked through all lines."""
+        """Waits until the companion has worked through all lines, and its window has heard of them all."""
         self._markers += 1
-        word = f"settled-{self._markers}"
-        self.expected_log[f"Unhandled message  {word}"] += 1
-        self.send_and_wait(f"sessionStatus {word}", f"Unhandled message  {word}")
+        answer = f"Participant box not found for ID: settled-{self._markers}"
+        self.expected_log.update(("received participants modify", answer))
+        self.send_and_wait(f"sessionStatus participantsModify settled-{self._markers} true", answer)
 
     def mark(self):
         """All that was heard so far; for `has`."""

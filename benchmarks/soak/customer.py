@@ -46,6 +46,14 @@ class Screen(Display):
         except error.XError:
             return False
 
+    def is_keyboard_taken(self):
+        """A menu has the keyboard for itself."""
+        if self._root.grab_keyboard(False, X.GrabModeAsync, X.GrabModeAsync, X.CurrentTime) == X.GrabSuccess:
+            self._display.ungrab_keyboard(X.CurrentTime)
+            self._display.sync()
+            return False
+        return True
+
     def height(self, window):
         return window.get_geometry().height
 
@@ -98,9 +106,11 @@ class Customer:
             except TimeoutError:
                 keys("key", "Escape")
                 continue
-            keys("key", *["Down"] * entry, "Return")
-            if self._comes_true(is_done):
-                return
+            # Before the menu has the keyboard, the keys would go to the button that has the focus.
+            if self._comes_true(self._screen.is_keyboard_taken):
+                keys("key", *["Down"] * entry, "Return")
+                if self._comes_true(is_done):
+                    return
             keys("key", "Escape")
         raise TimeoutError(f"nothing comes of {button!r}")
 

@@ -13,6 +13,7 @@ from plot import Curve, Plot
 _STALE = r"\n\(brindle-ui:\d+\): Atk-CRITICAL \*\*: [\d:.]+: atk_state_set_contains_state: assertion 'ATK_IS_STATE_SET \(set\)' failed\n"
 _TOOLKITS_OWN = re.compile(_STALE * 3 + r"\n\(brindle-ui:\d+\): GLib-GObject-CRITICAL \*\*: [\d:.]+: "
                            r"g_object_unref: assertion 'G_IS_OBJECT \(object\)' failed\n")
+_POINTS = 60  # of a curve, at most
 _FULL_LOG_BYTES = 2_000_000  # at the start
 
 
@@ -21,19 +22,17 @@ class Result:
     minutes: float
     faster: int
     done: dict
-    agent: object
+    agent: dataclasses.InitVar
     samples: list
     kib_per_entry: float
     status: int
     errors: str
     is_log_rotated: bool = False
 
-    def __post_init__(self):
-        self.heard, self.places = self.agent.heard()
-        self.logged = self.agent.logged()
-        self.expected, self.expected_log = self.agent.expected, self.agent.expected_log
-        self.lines_sent = self.agent.lines_sent
-        self.agent = None
+    def __post_init__(self, agent):
+        self.heard, self.places = agent.heard()
+        self.logged = agent.logged()
+        self.expected, self.expected_log, self.lines_sent = agent.expected, agent.expected_log, agent.lines_sent
         self.growths = samples.judge(self.samples, self.kib_per_entry)
         self.warnings = re.findall(r".*(?:WARNING|CRITICAL|ERROR) \*\*.*", _TOOLKITS_OWN.sub("", self.errors))
 
@@ -77,14 +76,14 @@ def _work_rows(result):
     done = result.done
     questions = {how: count for (*_, how), count in ((key, count) for key, count in done.items()
                                                      if isinstance(key, tuple))}
-    yield "lines that ask nothing, in texts of hundreds", done["reports"]
+    yield "lines that ask nothing, in texts of several hundred", done["reports"]
     yield "all lines from the agent", result.lines_sent
     yield "lines to the agent, without reports of places", result.heard.total()
     yield "reports of places of dialogs", result.places
     yield "dialogs opened and closed", sum(questions.values()) + done["choosers"] // 3
     for how, count in questions.items():
         yield f"… {how}", count
-    yield "of all these, choosers of files and folders", done["choosers"]
+    yield "… choosers of files and folders, before the long part", done["choosers"]
     yield "participants that came, were modified and left", done["participants"]
     yield "entries taken from menus", done["menus"]
     yield "chat messages, both ways", done["messages"]
@@ -94,46 +93,56 @@ def _work_rows(result):
     yield "rounds", done["rounds"]
 
 
+def _thinned(points):
+    step = -(-len(points) // _POINTS)
+    return points[::step]
+
+
 def _plots(result):
     def curve(name, read):
-        return Curve(name, [(each.minutes, value) for each in result.samples if (value := read(each)) is not None])
+        points = [(each.minutes, value) for each in result.samples if (value := read(each)) is not None]
+        return Curve(name, _thinned(points))
     return [
         Plot("soakMemory", "Memory of the companion at work", "minutes", "MiB", [
             curve("private", lambda each: each.private_kib / 1024),
             curve("private, without the conversation",
                   lambda each: samples.without_conversation(each, result.kib_per_entry) / 1024)]),
         Plot("soakCounts", "What the companion holds at work", "minutes", "number", [
-            curve("handles", lambda each: each.handles), curve("threads", lambda each: each.threads),
-            curve("windows", lambda each: each.windows), curve("accessible objects", lambda each: each.accessibles)]),
+            curve("accessible objects", lambda each: each.accessibles), curve("handles", lambda each: each.handles),
+            curve("threads", lambda each: each.threads), curve("windows", lambda each: each.windows)]),
     ]
 
 
 _PAGE = """# Soak
 
-The program at work in fast motion: {minutes} minutes in which its clock ran {faster} times faster, on a virtual screen with
-a window manager. [The last run](#the-last-run) is from `scripts/soak`, which writes this page and ends with 1 when something was lost or has
-grown; `scripts/soak 1` does the same for a minute.
+The program at work in fast motion: {minutes} minutes in which its clock ran {faster} times faster, on a virtual screen
+with a window manager. `scripts/soak` does it, writes this page, and ends with 1 when something was lost or has grown;
+`scripts/soak 1` does the same for a minute. What came of it is [below](#the-last-run).
 
 ![Memory over the run]({pictures}/soakMemory.svg)
 
-![Handles, threads, windows and accessible objects over the run]({pictures}/soakCounts.svg)
+![Accessible objects, handles, threads and windows over the run]({pictures}/soakCounts.svg)
 
 ## How it is done
 
 - A "normal" session of the release build. The agent is played: its lines go through the real pipe, and all that the companion says is read.
-- The customer is a pointer and a keyboard on the screen: a dialog is answered by a click on its button, by its frame, by time, or by the technician who takes it back.
-- One round is one text of {report} lines, 12 questions, three participants with their menus, chat both ways with an AR invitation, sharing paused and resumed, every panel opened and closed, a program in the place of the one that draws, and the question whether to leave. Names and messages are in a dozen scripts.
-- Each step waits for what has to come of it; a line that is lost ends the run. At the end every line of the agent must have left its message in the log, and every answer must have come exactly once.
+- The customer is a pointer and a keyboard on the screen. A dialog is answered by its button or by its frame, goes by time, or is taken back by the technician.
+- One round is a text of {report} lines that ask nothing, 12 questions in turn of all kinds and answers, three participants with their menus, in every fourth chat both ways with an AR invitation, sharing paused and resumed, the panels opened and closed, a small program in the place of the one that draws, and the question whether to leave. Names and messages are in a dozen scripts.
+- Each step waits for what has to come of it; what is lost ends the run. At the end every line of the agent must have left its message in the log, and every answer must have come exactly as often as it was given.
 - Between two rounds, with all dialogs and panels closed, the companion is looked at. The first tenth of the time is left to the toolkit for what it loads on first use. Then the median of the first quarter is compared with that of the last.
-- The conversation is kept for the whole session, by intention: the customer can scroll back and save it. So what it costs is measured at the beginning, over 1 000 messages of the same kind with nothing else going on, and taken off for each message that came since. The picture shows the memory with and without it.
-- Widgets are counted as accessible objects, shown or not, and as windows on the X server. They are counted by a process of its own that listens to the program for a moment only.
+- Widgets are counted as accessible objects, shown or not, and as windows on the X server. A process of its own counts the former and listens to the program for that moment only.
+
+Two things grow by their nature, and are measured or done before the long part:
+
+- **The conversation** is kept for the whole session: the customer can scroll back and save it. What it costs was measured at the beginning, with nothing else going on: {kib:.2f} KiB for each entry, over {entries} entries of the same kind, after as many others. That much is taken off for each entry that came; the picture shows the memory with and without it.
+- **A chooser of files or folders** is the toolkit's own, and it loses some icons each time: a program that shows nothing else grows by 10 to 25 KiB with each one. {choosers} of them are shown first, and none in the long part.
 
 ## The last run
 
 {work}
 {checks}
 {growths}
-One message of the conversation costs {kib:.2f} KiB. The log grew to {log_mb} MB.
+The log grew to {log_mb} MB. Pictures on the X server are those that the drawing library keeps for each shade that it has drawn; the toolkit's window for tooltips is made with the first of them.
 """
 
 
@@ -148,7 +157,7 @@ def _text(result, pictures):
         work=_table(("what was done", "how often"), [(what, _number(count)) for what, count in _work_rows(result)]),
         checks=_table(("what was looked at when all was over", "expected", "seen", ""), checks),
         growths=_table(("what it holds", "first quarter", "last quarter", "limit", ""), growths),
-        kib=result.kib_per_entry, log_mb=_number(result.log_bytes() / 1e6))
+        kib=result.kib_per_entry, entries=_number(result.done["entries measured"]), choosers=result.done["choosers"], log_mb=_number(result.log_bytes() / 1e6))
 
 
 def _show_differences(result):
