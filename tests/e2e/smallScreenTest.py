@@ -1,0 +1,160 @@
+"""A screen of 1024 x 768: the window with all it can show and every question, in short and long words and in both directions,
+is on it or can be scrolled, and every button can be reached."""
+
+import base64
+import json
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+
+from promptCase import encoded  # noqa: E402
+from screen import children, click, everything, shown, the_display  # noqa: E402
+from session import RESOURCES, SANDBOX, Home, SessionCase, main  # noqa: E402
+from waiting import until  # noqa: E402
+
+LANGUAGES = {"en": "en_GB.UTF-8", "de": "de_DE.UTF-8", "he": "he_IL.UTF-8"}
+SENTENCE = "The technician would like to see what this computer is made of, how it is set up and what it does. "
+NAME = "Maximiliana-Alexandrina von der Hohenwaldau"
+FILE = "a%20picture%20of%20the%20message%20that%20the%20calendar%20shows%20in%20the%20morning.pdf"
+QUESTIONS = (
+    f"dialogPrompt samecon {encoded(SENTENCE * 30)}",
+    f"dialogPrompt userConcent {encoded(SENTENCE * 30)} client7 camera",
+    "dialogPrompt command 41",
+    "dialogPrompt runAsService",
+    f"dialogPrompt launchScript {'x' * 200}.sh",
+    "dialogPrompt configureURS 41",
+    "dialogPrompt rebootPc",
+    "dialogPrompt lockuser",
+    "dialogPrompt vcall",
+    "dialogPrompt initswap Ann",
+    "dialogPrompt fileTransferReceive " + " ".join([FILE] * 40),
+    "dialogPrompt fileTransfer 41",
+    "clipboard",
+)
+CONTROLS = {"push button", "check box", "text", "toggle button"}
+
+
+class Texts(dict):
+    """The texts of a language; English ones are their own."""
+
+    def __init__(self, language):
+        super().__init__()
+        if language != "en":
+            packed = (RESOURCES / "locale" / language / "resource.json").read_bytes()
+            self.update((entry["Key"], entry["Value"]) for entry in json.loads(base64.b64decode(packed)))
+
+    def __missing__(self, text):
+        return text
+
+
+class SmallScreen(SessionCase):
+    scale = 1
+
+    def begin(self, language):
+        setup = f"mkdir -p /etc/default; echo LANG={LANGUAGES[language]} >/etc/default/locale"
+        home = Home()
+        home.install_annotation()
+        self.session = self.start(home=home, kind="ras", wrapper=[SANDBOX, setup], environment={
+            "LC_ALL": "C.UTF-8", "LANGUAGE": language, "GDK_SCALE": str(self.scale)}).ready()
+        self.application = self.session.application
+        self.texts = Texts(language)
+        self.session.send(f"sessionStatus TECH-NAME {NAME.replace(' ', '%20')}")
+        self.application.has_label(NAME)
+
+    def screen_size(self):
+        screen = the_display().screen()
+        return screen.width_in_pixels // self.scale, screen.height_in_pixels // self.scale
+
+    def is_inside(self, accessible, coordinates=Atspi.CoordType.SCREEN):
+        extents = accessible.get_extents(coordinates)
+        width, height = self.screen_size()
+        return extents.x >= 0 and extents.y >= 0 and extents.x + extents.width <= width and \
+            extents.y + extents.height <= height
+
+    def outside(self, window):
+        """The controls of a window that are not on the screen and can't be scrolled there."""
+        return [each.get_name() for each in everything(window) if shown(each) and each.get_role_name() in CONTROLS
+                and not self.is_inside(each) and not self.scrolls(each)]
+
+    def scrolls(self, accessible):
+        """Stands in a part that scrolls and is on the screen itself."""
+        while accessible and accessible.get_role_name() != "application":
+            accessible = accessible.get_parent()
+            if accessible and accessible.get_role_name() == "scroll pane":
+                return self.is_inside(accessible)
+        return False
+
+    def fits(self, window):
+        """Window and controls come to lie on the screen; the window manager and the toolkit take their time."""
+        until(lambda: self.is_inside(window) and not self.outside(window),
+              lambda: f"all of {window.get_name()!r}, with {self.outside(window)}, on the screen: "
+                      f"{[getattr(window.get_extents(Atspi.CoordType.SCREEN), side) for side in ('x', 'y', 'width', 'height')]}")
+
+
+class TheWindow(SmallScreen):
+    def add_participants(self, count):
+        for number in range(count):
+            self.session.send(f"sessionStatus participantsAdd {NAME.replace(' ', '%20')}%20{number} 4{number} true")
+            self.session.log.expect("participants present", number + 1)
+
+    def press(self, panel):
+        click(self.application.find("push button", self.texts[panel]))
+
+    def chat(self):
+        self.session.send("chat Ann\n" + (SENTENCE * 20).replace(" ", "%20"))  # opens its panel
+        self.session.settled()
+        self.application.find("text", self.texts["Message"])
+
+    def test_fits_with_every_panel_open(self):
+        for language in LANGUAGES:
+            with self.subTest(language):
+                self.begin(language)
+                self.add_participants(3)
+                for panel in ("Participant", "File Transfer", "Annotation"):
+                    self.press(panel)
+                self.chat()
+                self.application.find("push button", self.texts["Pen"])
+                self.fits(self.application.find("frame"))
+                self.session.quit()
+
+    def test_fits_with_many_participants(self):
+        self.begin("en")
+        self.add_participants(16)
+        self.press("Participant")
+        self.application.find("push button", f"More: {NAME} 15")
+        self.fits(self.application.find("frame"))
+
+
+class EveryQuestion(SmallScreen):
+    def test_fits_with_every_button(self):
+        for language in LANGUAGES:
+            self.begin(language)
+            self.session.send("sessionStatus participantsAdd Ann 41 true")
+            self.session.log.expect("participants present")
+            for line in QUESTIONS:
+                with self.subTest(f"{language}: {line[:40]}"):
+                    self.asks_visibly(line)
+            self.session.quit()
+
+    def asks_visibly(self, line):
+        windows = self.session.windows
+        window = until(windows.active, "the main window has the keyboard")
+        self.session.send(line)
+        until(lambda: windows.active() not in (None, window), lambda: f"the keyboard for the question: {self.dialogs()}")
+        dialog = until(self.dialogs, self.application.describe)[0]
+        self.fits(dialog)
+        if " samecon " in line:  # whose refusal ends the session
+            click(self.application.find("push button", self.texts["Join"]))
+        else:
+            windows.close(windows.numbered(windows.active()))
+        until(lambda: not self.dialogs() and windows.active() == window, "the question goes")
+
+    def dialogs(self):
+        return [each for each in children(self.application.root)
+                if each.get_role_name() in ("dialog", "file chooser") and shown(each)]
+
+
+if __name__ == "__main__":
+    main()
