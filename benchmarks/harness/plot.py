@@ -25,11 +25,12 @@ class Plot:
     curves: list
     log_x: bool = False
     log_y: bool = False
+    room: float = 1  # how much higher than the curves it is, for the names of flat ones
 
     def svg(self):
         x_axis = _Axis([x for curve in self.curves for x, _ in curve.points], self.log_x, _LEFT, _WIDTH - _RIGHT)
-        y_axis = _Axis([y for curve in self.curves for _, y in curve.points], self.log_y, _HEIGHT - _BOTTOM, _TOP,
-                       from_zero=True)
+        y_axis = _Axis([y * self.room for curve in self.curves for _, y in curve.points], self.log_y,
+                       _HEIGHT - _BOTTOM, _TOP, from_zero=True)
         parts = [_FRAME, _text(_WIDTH / 2, 22, self.title, size=15), *_grid(x_axis, y_axis),
                  _text((_LEFT + _WIDTH - _RIGHT) / 2, _HEIGHT - 12, self.x_label),
                  _text(16, (_TOP + _HEIGHT - _BOTTOM) / 2, self.y_label, turned=True)]

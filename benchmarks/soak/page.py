@@ -14,6 +14,7 @@ _STALE = r"\n\(brindle-ui:\d+\): Atk-CRITICAL \*\*: [\d:.]+: atk_state_set_conta
 _TOOLKITS_OWN = re.compile(_STALE * 3 + r"\n\(brindle-ui:\d+\): GLib-GObject-CRITICAL \*\*: [\d:.]+: "
                            r"g_object_unref: assertion 'G_IS_OBJECT \(object\)' failed\n")
 _POINTS = 60  # of a curve, at most
+_ROOM = 1.5  # above the curves, for their names
 _FULL_LOG_BYTES = 2_000_000  # at the start
 
 
@@ -106,10 +107,10 @@ def _plots(result):
         Plot("soakMemory", "Memory of the companion at work", "minutes", "MiB", [
             curve("private", lambda each: each.private_kib / 1024),
             curve("private, without the conversation",
-                  lambda each: samples.without_conversation(each, result.kib_per_entry) / 1024)]),
+                  lambda each: samples.without_conversation(each, result.kib_per_entry) / 1024)], room=_ROOM),
         Plot("soakCounts", "What the companion holds at work", "minutes", "number", [
             curve("accessible objects", lambda each: each.accessibles), curve("handles", lambda each: each.handles),
-            curve("threads", lambda each: each.threads), curve("windows", lambda each: each.windows)]),
+            curve("threads", lambda each: each.threads), curve("windows", lambda each: each.windows)], room=_ROOM),
     ]
 
 
