@@ -10,9 +10,10 @@ from plot import Curve, Plot
 
 # What any program prints when somebody comes to listen to its accessible tree after it has shown a file chooser: the
 # toolkit has not let go of one object of the chooser. Only these four lines, in this order.
-_STALE = r"\n\(brindle-ui:\d+\): Atk-CRITICAL \*\*: [\d:.]+: atk_state_set_contains_state: assertion 'ATK_IS_STATE_SET \(set\)' failed\n"
-_TOOLKITS_OWN = re.compile(_STALE * 3 + r"\n\(brindle-ui:\d+\): GLib-GObject-CRITICAL \*\*: [\d:.]+: "
-                           r"g_object_unref: assertion 'G_IS_OBJECT \(object\)' failed\n")
+_STALE = ("Atk", r"atk_state_set_contains_state: assertion 'ATK_IS_STATE_SET \(set\)' failed")
+_GONE = ("GLib-GObject", r"g_object_unref: assertion 'G_IS_OBJECT \(object\)' failed")
+_TOOLKITS_OWN = re.compile("".join(rf"\n\(brindle-ui:\d+\): {domain}-CRITICAL \*\*: [\d:.]+: {text}\n"
+                                   for domain, text in (_STALE, _STALE, _STALE, _GONE)))
 _POINTS = 60  # of a curve, at most
 _ROOM = 1.5  # above the curves, for their names
 _FULL_LOG_BYTES = 2_000_000  # at the start
@@ -158,7 +159,8 @@ def _text(result, pictures):
         work=_table(("what was done", "how often"), [(what, _number(count)) for what, count in _work_rows(result)]),
         checks=_table(("what was looked at when all was over", "expected", "seen", ""), checks),
         growths=_table(("what it holds", "first quarter", "last quarter", "limit", ""), growths),
-        kib=result.kib_per_entry, entries=_number(result.done["entries measured"]), choosers=result.done["choosers"], log_mb=_number(result.log_bytes() / 1e6))
+        kib=result.kib_per_entry, entries=_number(result.done["entries measured"]), choosers=result.done["choosers"],
+        log_mb=_number(result.log_bytes() / 1e6))
 
 
 def _show_differences(result):

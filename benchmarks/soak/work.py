@@ -8,7 +8,8 @@ import urllib.parse
 from processes import until, write_text
 from questions import CANCELLED, CHOOSER, FRAME, QUESTIONS, TIME
 
-NAMES = ("Ann Lee", "Jörg Müßig", "Łukasz Żółć", "Ольга", "דוד", "مريم", "日本 太郎", "한지민", "Ελένη", "नेहा", "ไทย", "👩‍💻 Zoë")
+NAMES = ("Ann Lee", "Jörg Müßig", "Łukasz Żółć", "Ольга", "דוד", "مريم", "日本 太郎", "한지민", "Ελένη", "नेहा", "ไทย",
+         "👩‍💻 Zoë")
 MESSAGES = ("Good morning! Shall I have a look?", "Können Sie das Fenster öffnen?", "Что вы видите на экране?",
             "האם זה עובד עכשיו?", "هل يعمل الآن؟", "もう一度お願いします。\nありがとうございます。",
             "A somewhat longer message that needs several lines in the narrow panel, as most explanations do.", "👍")
