@@ -10,7 +10,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from promptCase import encoded  # noqa: E402
-from screen import children, click, everything, shown, the_display  # noqa: E402
+from screen import children, everything, press, shown, the_display  # noqa: E402
 from session import RESOURCES, SANDBOX, Home, SessionCase, main  # noqa: E402
 from waiting import until  # noqa: E402
 
@@ -56,7 +56,8 @@ class SmallScreen(SessionCase):
         setup = f"mkdir -p /etc/default; echo LANG={LANGUAGES[language]} >/etc/default/locale"
         home = Home()
         home.install_annotation()
-        self.session = self.start(home=home, kind="ras", wrapper=[SANDBOX, setup], environment={
+        # At its own speed: the question whether to reboot goes by itself.
+        self.session = self.start(home=home, kind="ras", speed=1, wrapper=[SANDBOX, setup], environment={
             "LC_ALL": "C.UTF-8", "LANGUAGE": language, "GDK_SCALE": str(self.scale)}).ready()
         self.application = self.session.application
         self.texts = Texts(language)
@@ -67,11 +68,20 @@ class SmallScreen(SessionCase):
         screen = the_display().screen()
         return screen.width_in_pixels // self.scale, screen.height_in_pixels // self.scale
 
-    def is_inside(self, accessible, coordinates=Atspi.CoordType.SCREEN):
-        extents = accessible.get_extents(coordinates)
+    def is_inside(self, accessible):
+        extents = accessible.get_extents(Atspi.CoordType.SCREEN)
         width, height = self.screen_size()
-        return extents.x >= 0 and extents.y >= 0 and extents.x + extents.width <= width and \
-            extents.y + extents.height <= height
+        rounding = self.scale - 1  # a frame has an odd number of pixels
+        return extents.x >= 0 and extents.y >= 0 and extents.x + extents.width <= width + rounding and \
+            extents.y + extents.height <= height + rounding
+
+    def press(self, name):
+        def place():
+            extents = button.get_extents(Atspi.CoordType.SCREEN)
+            return extents.x, extents.y, extents.width, extents.height
+        button = self.application.find("push button", self.texts[name])
+        seen = until(lambda: place() if place() == place() else None, f"{name} has its place")
+        press(*(self.scale * (seen[side] + seen[side + 2] // 2) for side in (0, 1)))
 
     def outside(self, window):
         """The controls of a window that are not on the screen and can't be scrolled there."""
@@ -88,9 +98,14 @@ class SmallScreen(SessionCase):
 
     def fits(self, window):
         """Window and controls come to lie on the screen; the window manager and the toolkit take their time."""
-        until(lambda: self.is_inside(window) and not self.outside(window),
-              lambda: f"all of {window.get_name()!r}, with {self.outside(window)}, on the screen: "
-                      f"{[getattr(window.get_extents(Atspi.CoordType.SCREEN), side) for side in ('x', 'y', 'width', 'height')]}")
+        until(lambda: self.is_inside(window) and not self.outside(window), lambda: self.misses(window))
+
+    def can_be_used(self, window):
+        until(lambda: not self.outside(window), lambda: self.misses(window))
+
+    def misses(self, window):
+        extents = window.get_extents(Atspi.CoordType.SCREEN)
+        return f"{self.outside(window)} on the screen; {window.get_name()!r} is {extents.width} x {extents.height}"
 
 
 class TheWindow(SmallScreen):
@@ -98,9 +113,6 @@ class TheWindow(SmallScreen):
         for number in range(count):
             self.session.send(f"sessionStatus participantsAdd {NAME.replace(' ', '%20')}%20{number} 4{number} true")
             self.session.log.expect("participants present", number + 1)
-
-    def press(self, panel):
-        click(self.application.find("push button", self.texts[panel]))
 
     def chat(self):
         self.session.send("chat Ann\n" + (SENTENCE * 20).replace(" ", "%20"))  # opens its panel
@@ -128,15 +140,21 @@ class TheWindow(SmallScreen):
 
 
 class EveryQuestion(SmallScreen):
+    languages = LANGUAGES
+    questions = QUESTIONS
+
     def test_fits_with_every_button(self):
-        for language in LANGUAGES:
+        for language in self.languages:
             self.begin(language)
             self.session.send("sessionStatus participantsAdd Ann 41 true")
             self.session.log.expect("participants present")
-            for line in QUESTIONS:
+            for line in self.questions:
                 with self.subTest(f"{language}: {line[:40]}"):
                     self.asks_visibly(line)
             self.session.quit()
+
+    def looks_well(self, dialog):
+        self.fits(dialog)
 
     def asks_visibly(self, line):
         windows = self.session.windows
@@ -144,9 +162,9 @@ class EveryQuestion(SmallScreen):
         self.session.send(line)
         until(lambda: windows.active() not in (None, window), lambda: f"the keyboard for the question: {self.dialogs()}")
         dialog = until(self.dialogs, self.application.describe)[0]
-        self.fits(dialog)
+        self.looks_well(dialog)
         if " samecon " in line:  # whose refusal ends the session
-            click(self.application.find("push button", self.texts["Join"]))
+            self.press("Join")
         else:
             windows.close(windows.numbered(windows.active()))
         until(lambda: not self.dialogs() and windows.active() == window, "the question goes")
@@ -154,6 +172,34 @@ class EveryQuestion(SmallScreen):
     def dialogs(self):
         return [each for each in children(self.application.root)
                 if each.get_role_name() in ("dialog", "file chooser") and shown(each)]
+
+
+class EveryQuestionAtTwiceTheSize(EveryQuestion):
+    scale = 2
+    languages = ("de",)
+    questions = [line for line in QUESTIONS if " fileTransfer " not in line]  # the toolkit's chooser needs 547 x 326
+
+    def looks_well(self, dialog):
+        """The frame of the longest ones may reach below the screen, which has the room of 512 x 384."""
+        self.can_be_used(dialog)
+
+
+class TheWindowAtTwiceTheSize(SmallScreen):
+    scale = 2
+
+    def test_fits_with_each_panel_but_the_chat(self):
+        self.begin("de")
+        self.session.send("sessionStatus participantsAdd Ann 41 true")
+        # The chat is the one that has not the room it needs.
+        for panel, content in (("Participant", ("label", "Ann")),
+                               ("File Transfer", ("push button", self.texts["Send File"])),
+                               ("Annotation", ("push button", self.texts["Pen"]))):
+            with self.subTest(panel):
+                self.press(panel)
+                self.application.find(*content)
+                self.fits(self.application.find("frame"))
+                self.press(panel)
+                self.application.gone(*content)
 
 
 if __name__ == "__main__":
