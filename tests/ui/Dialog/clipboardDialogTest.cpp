@@ -61,7 +61,7 @@ TEST_F(ClipboardPermission, OnceIsCountedUnderWaylandOnly)
 {
     for (const auto &[session, count] : {std::pair{"x11", 0}, {"WAYLAND", 0}, {"wayland", 1}}) {
         g_setenv("XDG_SESSION_TYPE", session, TRUE);
-        agent->forget();
+        forgetLines();
         ask();
         answer(clipboardPermissionDialog, GTK_RESPONSE_REJECT);
         EXPECT_THAT(answers(), ElementsAre("clipboard 2", "clipboard 3", unlisted));

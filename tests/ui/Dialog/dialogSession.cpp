@@ -90,6 +90,12 @@ void DialogSession::settle()
     }));
 }
 
+void DialogSession::forgetLines()
+{
+    settle();
+    agent->forget();
+}
+
 std::vector<std::string> DialogSession::answers()
 {
     settle();

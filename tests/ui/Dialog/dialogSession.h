@@ -34,6 +34,8 @@ protected:
 
     /// Waits until nothing is scheduled and all that was sent has arrived.
     void settle();
+    /// Drops what was sent so far, when all of it has arrived.
+    void forgetLines();
     /// What was sent so far, without the position reports.
     std::vector<std::string> answers();
     /// Kinds for which a position was reported.

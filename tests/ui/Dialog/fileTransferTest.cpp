@@ -210,7 +210,7 @@ TEST_F(FileTransfer, OfferNamesTheFilesAndIsSavedWhereItSays)
 TEST_F(FileTransfer, EveryOtherAnswerRefusesTheOffer)
 {
     for (const int response : {int(GTK_RESPONSE_NONE), int(GTK_RESPONSE_DELETE_EVENT), int(GTK_RESPONSE_ACCEPT)}) {
-        agent->forget();
+        forgetLines();
         answer(offer(""), response);
         EXPECT_THAT(answers(), ElementsAre("monitorData fileTransferRecive", "dialogResponse FTCancel")) << response;
     }

@@ -192,7 +192,7 @@ TEST_F(PromptTest, ControlGoesToTheParticipantOfItsOwnQuestion)
     prompt("command B");
     drainMainLoop();
     ASSERT_EQ(dialogs().size(), 2U);
-    agent->forget();
+    forgetLines();
     answer(first, GTK_RESPONSE_ACCEPT);
     EXPECT_THAT(answers(), ElementsAre("dialogResponse controlApproved A"));
     answer(dialogs().front(), GTK_RESPONSE_ACCEPT);
@@ -282,7 +282,7 @@ TEST_F(PromptTest, UnattendedAccessAnswersWithItsOwnArgument)
     const std::vector<GtkWidget *> open = dialogs();
     ASSERT_EQ(open.size(), 4U);
     EXPECT_TRUE(findLabel(FtReceiveDialog, "File Name:  a.txt."));
-    agent->forget();
+    forgetLines();
     for (GtkWidget *dialog : open)
         if (dialog != FtReceiveDialog)
             answer(dialog, GTK_RESPONSE_ACCEPT);

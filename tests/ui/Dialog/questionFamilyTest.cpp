@@ -180,8 +180,7 @@ protected:
         DialogSession::SetUp();
         replace_text(mainWindow->Techname, "Ann Lee");
         addParticipant("Ann Lee", "p7");
-        settle();
-        agent->forget();
+        forgetLines();
     }
 
     GtkWidget *open(const std::string &words)
@@ -236,7 +235,7 @@ TEST_P(QuestionFamily, SendsEachAnswerOnceAndIsGone)
         GtkWidget *const dialog = open(inUpperCase(GetParam().words));
         ASSERT_TRUE(dialog);
         const size_t logged = logMessages().size();
-        agent->forget();
+        forgetLines();
         way.response == frameResponse ? closeByFrame(dialog) : answer(dialog, way.response);
         EXPECT_THAT(answers(), ElementsAreArray(way.lines));
         const std::vector<std::string> log = logMessages();
@@ -254,7 +253,7 @@ TEST_P(QuestionFamily, DestructionWithoutAnAnswerSendsNone)
 {
     GtkWidget *const dialog = open(GetParam().words);
     ASSERT_TRUE(dialog);
-    agent->forget();
+    forgetLines();
     gtk_widget_destroy(dialog);
     EXPECT_THAT(answers(), IsEmpty());
 }

@@ -53,7 +53,7 @@ TEST_F(SwapTest, UnknownTechnicianIsPrintedAsNull)
 TEST_F(SwapTest, ApprovalClosesTheDialogAndTheWindowButNotTheProgram)
 {
     request();
-    agent->forget();
+    forgetLines();
     reportSwap("APPROVED");
     drainMainLoop();
     EXPECT_FALSE(swapDialog);
@@ -72,7 +72,7 @@ TEST_F(SwapTest, ApprovalClosesTheDialogAndTheWindowButNotTheProgram)
 TEST_F(SwapTest, RejectionClosesTheDialogAndSaysSo)
 {
     request();
-    agent->forget();
+    forgetLines();
     reportSwap("SwapRejected");
     drainMainLoop();
     EXPECT_FALSE(swapDialog);
