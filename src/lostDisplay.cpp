@@ -1,22 +1,16 @@
-// Xlib tells of its lost server; for Wayland there is only the connection to watch. Its functions are asked for by
-// name, since the toolkit at hand may have been built without them.
+// Xlib tells of its lost server. For a Wayland compositor the toolkit has no such call: it prints a message and ends
+// the process, wherever it notices.
 
 #include "src/lostDisplay.h"
 
-#include "src/support.h"
-
 #include <X11/Xlib.h>
-#include <glib-unix.h>
-#include <gmodule.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 
 namespace
 {
-
-using Connection = gpointer (*)(GdkDisplay *);
-using Descriptor = int (*)(gpointer);
 
 // Written by before_lost_display, before either display can be found lost.
 void (*cleanUp)() = nullptr;
@@ -27,28 +21,26 @@ int leaveXServer(Display *)
     _exit(EXIT_FAILURE);
 }
 
-/// The toolkit is next: it prints what went wrong and ends the process with the same status.
-gboolean leaveCompositor(int, GIOCondition, gpointer)
+/// The text of a field, or an empty one.
+const char *field(const GLogField *fields, gsize count, const char *key)
 {
-    cleanUp();
-    return G_SOURCE_REMOVE;
+    for (gsize i = 0; i < count; i++)
+        if (strcmp(fields[i].key, key) == 0 && fields[i].length < 0)
+            return static_cast<const char *>(fields[i].value);
+    return "";
 }
 
-template <typename Function> Function findFunction(GModule *program, const char *name)
+bool isLostCompositor(const char *message)
 {
-    gpointer symbol = nullptr;
-    return g_module_symbol(program, name, &symbol) ? reinterpret_cast<Function>(symbol) : nullptr;
+    return g_str_has_prefix(message, "Error ") || g_str_has_prefix(message, "Lost connection");
 }
 
-/// The descriptor of the connection to the compositor, or -1.
-int findConnection(GdkDisplay *display)
+GLogWriterOutput hearToolkit(GLogLevelFlags level, const GLogField *fields, gsize count, gpointer)
 {
-    GModule *const program = g_module_open(nullptr, G_MODULE_BIND_LAZY);
-    const auto connection = findFunction<Connection>(program, "gdk_wayland_display_get_wl_display");
-    const auto descriptor = findFunction<Descriptor>(program, "wl_display_get_fd");
-    const int found = connection && descriptor ? descriptor(connection(display)) : -1;
-    g_module_close(program);
-    return found;
+    const bool isToolkit = level & G_LOG_LEVEL_MESSAGE && strcmp(field(fields, count, "GLIB_DOMAIN"), "Gdk") == 0;
+    if (isToolkit && isLostCompositor(field(fields, count, "MESSAGE")))
+        cleanUp();
+    return g_log_writer_default(level, fields, count, nullptr);
 }
 
 } // namespace
@@ -57,11 +49,5 @@ void before_lost_display(void (*clean)())
 {
     cleanUp = clean;
     XSetIOErrorHandler(leaveXServer);
-    GdkDisplay *const display = gdk_display_get_default();
-    if (g_strcmp0(G_OBJECT_TYPE_NAME(display), "GdkWaylandDisplay") != 0)
-        return;
-    const int connection = findConnection(display);
-    if (connection >= 0) // before the toolkit's own source, which ends the process
-        g_unix_fd_add_full(G_PRIORITY_HIGH, connection, GIOCondition(G_IO_HUP | G_IO_ERR), leaveCompositor, nullptr,
-                           nullptr);
+    g_log_set_writer_func(hearToolkit, nullptr, nullptr);
 }
