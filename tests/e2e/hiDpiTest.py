@@ -78,11 +78,11 @@ class TheWindow(SessionCase):
     def open_everything(self):
         self.session.send("sessionStatus TECH-NAME Ann%20Lee")
         self.session.send("sessionStatus participantsAdd Ann%20Lee 42 true")
+        for panel, content in (("Participant", "More: Ann Lee"), ("File Transfer", "Send File"), ("Annotation", "Pen")):
+            self.press(panel)
+            self.application.find("push button", content)
         self.session.send("chat Ann\nHello")  # opens its panel, and there is something to download
-        for name in ("Participant", "File Transfer", "Annotation"):
-            self.press(name)
-        for name in ("More: Ann Lee", "Download Chat", "Send File", "Pen"):
-            self.application.find("push button", name)
+        self.application.find("push button", "Download Chat")
         press(3, 3)  # nothing is lit under the pointer
 
     def draws(self, name, picture):

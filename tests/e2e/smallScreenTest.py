@@ -124,10 +124,11 @@ class TheWindow(SmallScreen):
             with self.subTest(language):
                 self.begin(language)
                 self.add_participants(3)
-                for panel in ("Participant", "File Transfer", "Annotation"):
+                for panel, title in (("Participant", "Participants"), ("File Transfer", "File Transfer"),
+                                     ("Annotation", "Annotation")):
                     self.press(panel)
+                    self.application.find("label", self.texts[title])
                 self.chat()
-                self.application.find("push button", self.texts["Pen"])
                 self.fits(self.application.find("frame"))
                 self.session.quit()
 
