@@ -1,8 +1,6 @@
 // Every built language in the real window and in every dialog: nothing is cut off, nothing grows off a small screen,
 // every letter has its picture. Needs fonts for all scripts.
 
-#include "src/Dialog/clipboardDialog.h"
-#include "src/Dialog/dialog.h"
 #include "src/Dialog/dialogInternal.h"
 #include "src/IdleThread/infoBar.h"
 #include "src/Utils/Utils.h"
@@ -10,7 +8,8 @@
 #include "src/localizationText.h"
 #include "src/support.h"
 #include "tests/support/temporaryFolder.h"
-#include "tests/ui/Dialog/dialogSession.h"
+#include "tests/ui/main/everyQuestion.h"
+#include "tests/ui/main/textLosses.h"
 #include "tests/ui/main/windowParts.h"
 
 #include <cjson/cJSON.h>
@@ -18,7 +17,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <memory>
 
 namespace
@@ -26,13 +24,11 @@ namespace
 
 namespace fs = std::filesystem;
 
-constexpr int smallScreenWidthPx = 1024, smallScreenHeightPx = 768;
 constexpr int windowWidthPx = 350;
 constexpr char largeFont[] = "Sans 11";
 constexpr char english[] = "en"; // what the texts are without a language
 
 const std::string localeFolder = std::string(RESOURCE_FOLDER) + "/locale/";
-const std::string customer = "Ann Lee";
 
 std::vector<std::string> builtLanguages()
 {
@@ -76,140 +72,21 @@ void speak(const std::string &language)
     g_isEnglish = false;
 }
 
-/// The window looks as it does in the program, with its style sheet.
-void wearStyle()
-{
-    g_autoptr(GtkCssProvider) provider = gtk_css_provider_new();
-    ASSERT_TRUE(gtk_css_provider_load_from_path(provider, RESOURCE_FOLDER "/brindle-gtk.css", nullptr));
-    gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider),
-                                              GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-}
-
-// ---------------------------------------------------------------------------------------------------- measuring
-
-struct Box {
-    int x, y, width, height;
-};
-
-bool isInside(const Box &inner, const Box &outer)
-{
-    return inner.x >= outer.x && inner.y >= outer.y && inner.x + inner.width <= outer.x + outer.width &&
-           inner.y + inner.height <= outer.y + outer.height;
-}
-
-std::string describeBox(const Box &box)
-{
-    return std::to_string(box.width) + "x" + std::to_string(box.height) + " at " + std::to_string(box.x) + "," +
-           std::to_string(box.y);
-}
-
-/// Where the letters of a label stand, and the room that it was given: both in the coordinates of its window.
-Box boxOfLetters(GtkLabel *label)
-{
-    int x = 0, y = 0;
-    gtk_label_get_layout_offsets(label, &x, &y);
-    PangoRectangle letters = {};
-    pango_layout_get_pixel_extents(gtk_label_get_layout(label), nullptr, &letters);
-    return {x + letters.x, y + letters.y, letters.width, letters.height};
-}
-
-Box boxOfRoom(GtkWidget *widget)
-{
-    GtkAllocation room = {};
-    gtk_widget_get_allocation(widget, &room);
-    return {room.x, room.y, room.width, room.height};
-}
-
-/// A long text is put into an area that scrolls; a translation never is that long.
-bool isCutOff(GtkWidget *label)
-{
-    GtkWidget *const area = gtk_widget_get_ancestor(label, GTK_TYPE_VIEWPORT);
-    return area && gtk_widget_get_allocated_height(label) > gtk_widget_get_allocated_height(area);
-}
-
-/// What a label doesn't show of its text; empty when it shows all of it.
-std::string lossOf(GtkWidget *label)
-{
-    PangoLayout *const layout = gtk_label_get_layout(GTK_LABEL(label));
-    const Box letters = boxOfLetters(GTK_LABEL(label)), room = boxOfRoom(label);
-    std::string loss;
-    if (pango_layout_is_ellipsized(layout))
-        loss += " shortened";
-    if (pango_layout_get_unknown_glyphs_count(layout) != 0)
-        loss += " without a font";
-    if (!isInside(letters, room))
-        loss += " " + describeBox(letters) + " in " + describeBox(room);
-    if (isCutOff(label))
-        loss += " cut off";
-    return loss;
-}
-
-/// As `lossOf`, for every label that a window shows.
-std::string lossesOf(GtkWidget *window)
-{
-    if (!gtk_widget_get_mapped(window))
-        return "not on the screen";
-    std::string losses;
-    for (GtkWidget *const widget : allWidgets(window)) {
-        if (!GTK_IS_LABEL(widget) || !gtk_widget_get_mapped(widget) || shownText(widget).empty())
-            continue;
-        if (const std::string loss = lossOf(widget); !loss.empty())
-            losses += "\"" + shownText(widget) + "\"" + loss + "\n";
-    }
-    return losses;
-}
-
-void notePaint(GdkFrameClock *, bool *isPainted)
-{
-    *isPainted = true;
-}
-
-/// Waits until a window is drawn: a label knows what it has no room for once it is laid out with its text.
-void awaitLayout(GtkWidget *window)
-{
-    GdkFrameClock *const clock = gtk_widget_get_frame_clock(window);
-    ASSERT_TRUE(clock);
-    // The first of these frames may be one that was past its layout.
-    for (int frame = 0; frame < 2; frame++) {
-        bool isPainted = false;
-        const gulong handler = connect_signal(clock, "after-paint", notePaint, &isPainted);
-        gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
-        EXPECT_TRUE(waitUntil([&] { return isPainted; }));
-        g_signal_handler_disconnect(clock, handler);
-    }
-}
-
-void expectOnSmallScreen(GtkWidget *window)
-{
-    GdkRectangle frame = {};
-    gdk_window_get_frame_extents(gtk_widget_get_window(window), &frame);
-    EXPECT_LE(frame.width, smallScreenWidthPx);
-    EXPECT_LE(frame.height, smallScreenHeightPx);
-}
-
-class EveryLanguage : public DialogSession, public ::testing::WithParamInterface<std::string>
+class EveryLanguage : public EveryQuestion, public ::testing::WithParamInterface<std::string>
 {
 protected:
     void SetUp() override
     {
         speak(GetParam());
         wearStyle();
-        DialogSession::SetUp();
-        replace_text(mainWindow->Techname, customer.c_str());
+        EveryQuestion::SetUp();
     }
     void TearDown() override
     {
-        DialogSession::TearDown();
+        EveryQuestion::TearDown();
         g_isEnglish = true;
     }
 
-    /// The window gets a size in which it shows all of its texts. It may take a moment: notices slide in.
-    static void expectNothingLost(GtkWidget *window)
-    {
-        awaitLayout(window);
-        EXPECT_TRUE(waitUntil([&] { return lossesOf(window).empty(); }, [&] { return lossesOf(window); }));
-        expectOnSmallScreen(window);
-    }
     /// The translation of a text, with the customer's counterpart for the name in it.
     static std::string said(const char *key)
     {
@@ -218,31 +95,11 @@ protected:
             text.replace(place, 2, customer);
         return text;
     }
-    static GtkWidget *findDialog()
+    /// Looks at a dialog that says this.
+    static void expectQuestion(GtkWidget *dialog, const char *key)
     {
-        g_autoptr(GList) windows = gtk_window_list_toplevels();
-        for (const GList *each = windows; each; each = each->next)
-            if (GTK_IS_DIALOG(each->data) && gtk_widget_get_visible(GTK_WIDGET(each->data)))
-                return GTK_WIDGET(each->data);
-        return nullptr;
-    }
-    static GtkWidget *awaitAnyDialog()
-    {
-        GtkWidget *dialog = nullptr;
-        EXPECT_TRUE(waitUntil([&] { return (dialog = findDialog()) != nullptr; }));
-        return dialog;
-    }
-    /// Looks at a dialog that says this and closes it.
-    static void expectQuestion(const char *key)
-    {
-        SCOPED_TRACE(key);
-        GtkWidget *const dialog = awaitAnyDialog();
-        ASSERT_TRUE(dialog);
-        keepOpen(dialog);
-        EXPECT_TRUE(findLabel(dialog, said(key))) << describe(dialog);
+        EXPECT_TRUE(!key || findLabel(dialog, said(key))) << describe(dialog);
         expectNothingLost(dialog);
-        gtk_widget_destroy(dialog);
-        drainMainLoop();
     }
     void expectStatus(const char *key)
     {
@@ -269,23 +126,6 @@ class EveryTranslation : public EveryLanguage
 {
 };
 
-/// A line of the agent and the text that is then asked.
-struct Prompted {
-    const char *words;
-    const char *key;
-};
-const std::vector<Prompted> prompts = {
-    {"userConcent TWF5IEk/ client9 camera", "Remember this option"},
-    {"runAsService", " Your technician has requested for a root-level \n access of your computer. Would you like to "
-                     "accept  \n the request?"},
-    {"configureURS ref/7", " Would you like the Technician to configure this \n device for Unattended Access?"},
-    {"lockuser", "Lock screen under wayland will terminate the Session.\n Are you sure want to lock the screen?"},
-    {"command p7", "%s has requested to control your device.\n Would you like to accept the request?"},
-    {"rebootPc", "Technician wants to reboot your computer. Click\n\"Yes\" to reboot."},
-    {"acall", "Would you like to accept your technician's voice/ \nvideo chat invite?                                "},
-    {"initswap Bob", " Requesting %s to share screen          "},
-    {"fileTransferReceive notes.txt", "Change Path"},
-};
 const char *const notices[] = {
     "Your computer does not support Annotation.",
     "Click the right mouse button to switch to cursor.",
@@ -298,11 +138,7 @@ const char *const notices[] = {
 
 TEST_P(EveryLanguage, ShowsItsTextsWholeInTheWindow)
 {
-    expandParticipantsWidget(nullptr, mainWindow);
-    expandWidget(nullptr, mainWindow);
-    expandFileTransfer(nullptr, mainWindow);
-    gtk_widget_show_all(mainWindow->annotation->contentArea);
-    addParticipant(customer, "p7");
+    openPanels();
     for (const char *const title : {"Participants", "Chat", "Annotation", "File Transfer", "Send File"})
         EXPECT_TRUE(findLabel(mainWindow->window, getString(title))) << title;
     expectNothingLost(mainWindow->window);
@@ -331,17 +167,7 @@ TEST_P(EveryLanguage, ShowsEveryNoticeWhole)
 
 TEST_P(EveryLanguage, AsksEveryQuestionWhole)
 {
-    addParticipant(customer, "p7");
-    for (const Prompted &question : prompts) {
-        prompt(question.words);
-        expectQuestion(question.key);
-    }
-    show_dialog_exit(mainWindow);
-    expectQuestion("Do you want to leave this Session?                              ");
-    ShowUnSupportedDialog(mainWindow);
-    expectQuestion("Admin mode is not supported under wayland");
-    show_clipboardPermission_dialog(mainWindow, "copied");
-    expectQuestion("Do you want your Technician to access your system Clipboard");
+    eachQuestion(expectQuestion);
 }
 
 TEST_P(EveryLanguage, ShowsTheNoticeOfAnOfferWhole)
