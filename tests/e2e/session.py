@@ -19,7 +19,7 @@ gi.require_version("Atspi", "2.0")
 
 from logFile import LogFile  # noqa: E402
 from pipes import PipeReader, send_text  # noqa: E402
-from screen import Application, picture, under_wayland, windows_shown  # noqa: E402
+from screen import Application, picture, under_wayland, windows_shown, xdotool  # noqa: E402
 from waiting import until  # noqa: E402
 
 PROGRAM = os.environ["BRINDLE_UI_PROGRAM"]
@@ -316,6 +316,9 @@ class SessionCase(unittest.TestCase):
 
 
 def _start(home=None, resources=True, install_agent=True, **options):
+    if under_wayland():
+        # A tooltip that comes as a dialog does ends the program: sway takes it away too early.
+        xdotool("mousemove", 1, 1)
     home = home or Home(resources=resources)
     if install_agent and not home.has_agent():
         home.install_agent()
