@@ -132,7 +132,9 @@ void addRow(MainWindow *mainwindow, const ParticipantLine &line)
     gtk_widget_set_name(row, line.id.get());
     GtkWidget *const cursor = newCursorImage(mainwindow);
     gtk_box_pack_start(GTK_BOX(row), cursor, FALSE, TRUE, rowPaddingPx);
-    gtk_box_pack_start(GTK_BOX(row), newNameLabel(line.name.get()), FALSE, TRUE, 0);
+    GtkWidget *const label = newNameLabel(line.name.get());
+    labelPicture(cursor, label);
+    gtk_box_pack_start(GTK_BOX(row), label, FALSE, TRUE, 0);
     gtk_box_pack_end(GTK_BOX(contentOf(mainwindow)), row, TRUE, TRUE, 0);
     const bool hasMenu = g_ascii_strcasecmp(mainwindow->urs, sessionWithoutMenus) != 0;
     if (hasMenu && mainwindow->isSwapScreenAllowed)

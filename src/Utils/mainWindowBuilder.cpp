@@ -297,6 +297,8 @@ GtkWidget *buildStatusRow(MainWindow *mainwindow)
     mainwindow->statusIcon = keep_widget(newImageFromFile(mainwindow->imageOffline));
     mainwindow->statusLabel = newStatusLabel();
     buildStatusButtons(mainwindow);
+    labelPicture(mainwindow->statusIcon, mainwindow->statusLabel);
+    labelPicture(mainwindow->onDemandScreenSharingImage, mainwindow->statusLabel);
     pack(row, mainwindow->statusIcon);
     pack(row, mainwindow->statusLabel);
     gtk_box_pack_end(GTK_BOX(row), mainwindow->startStopSharingButton, FALSE, TRUE, 0);

@@ -36,7 +36,9 @@ GtkWidget *newHeaderBox(const char *title, CustomExpander *header)
     gtk_widget_set_name(header->arrowImage, "expanderButton");
     set_widget_margins(header->arrowImage, arrowMarginPx, -1, -1, -1);
     gtk_box_pack_start(GTK_BOX(box), header->arrowImage, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), gtk_label_new_with_mnemonic(title), FALSE, FALSE, 0);
+    GtkWidget *const label = gtk_label_new_with_mnemonic(title);
+    labelPicture(header->arrowImage, label);
+    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
     return box;
 }
 
@@ -106,6 +108,12 @@ void makeOneLine(GtkWidget *label)
     gtk_label_set_max_width_chars(GTK_LABEL(label), oneLineChars);
     gtk_label_set_xalign(GTK_LABEL(label), 0);
     gtk_widget_set_hexpand(label, TRUE);
+}
+
+void labelPicture(GtkWidget *picture, GtkWidget *label)
+{
+    atk_object_add_relationship(gtk_widget_get_accessible(picture), ATK_RELATION_LABELLED_BY,
+                                gtk_widget_get_accessible(label));
 }
 
 void resizeMainWindow(GtkWidget *window)

@@ -53,6 +53,8 @@ void setImageFromFile(GtkWidget *image, const char *path);
 
 /// Has a label show any text in one line of the room there is; the text itself stays whole.
 void makeOneLine(GtkWidget *label);
+/// Lets assistive technology announce a picture that stands beside a text under that text.
+void labelPicture(GtkWidget *picture, GtkWidget *label);
 
 /// Sets the margins that are not negative, in pixels.
 void set_widget_margins(GtkWidget *widget, int start, int end, int top, int bottom);
