@@ -28,9 +28,9 @@ struct Theme {
     bool isDark;
 };
 constexpr Theme themes[] = {{"Light", "Adwaita", false},
-                        {"Dark", "Adwaita", true},
-                        {"HighContrast", "HighContrast", false},
-                        {"HighContrastInverse", "HighContrastInverse", true}};
+                            {"Dark", "Adwaita", true},
+                            {"HighContrast", "HighContrast", false},
+                            {"HighContrastInverse", "HighContrastInverse", true}};
 
 void wearTheme(const Theme &theme)
 {
