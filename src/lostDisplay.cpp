@@ -4,6 +4,8 @@
 #include "src/lostDisplay.h"
 
 #include <X11/Xlib.h>
+#include <glib.h>
+
 #include <unistd.h>
 
 #include <cstdlib>

@@ -52,11 +52,11 @@ void paintPixels(GdkPixbuf *picture, const GdkRGBA &colour)
     if (!gdk_pixbuf_get_has_alpha(picture))
         return;
     const guchar rgb[] = {guchar(colour.red * 255), guchar(colour.green * 255), guchar(colour.blue * 255)};
-    constexpr int bytesPerPixel = 4;
+    constexpr gsize bytesPerPixel = 4;
     guchar *const pixels = gdk_pixbuf_get_pixels(picture);
     for (int y = 0; y < gdk_pixbuf_get_height(picture); y++)
         for (int x = 0; x < gdk_pixbuf_get_width(picture); x++)
-            memcpy(pixels + y * gdk_pixbuf_get_rowstride(picture) + x * bytesPerPixel, rgb, sizeof rgb);
+            memcpy(pixels + gsize(y) * gdk_pixbuf_get_rowstride(picture) + gsize(x) * bytesPerPixel, rgb, sizeof rgb);
 }
 
 /// Tool icons take the colour of the text where the theme asks for strong contrasts.

@@ -22,7 +22,7 @@ namespace
 {
 
 constexpr gulong livenessPeriodUs = 15UL * G_USEC_PER_SEC;
-constexpr gsize bigTextBytes = 256 * 1024;
+constexpr gsize bigTextBytes = gsize(256) * 1024;
 constexpr gsize chatOffset = 5;        // "chat" and a separator
 constexpr gsize sessionKeyOffset = 11; // "sessionKey" and a separator
 
