@@ -20,9 +20,21 @@ _STEADY_LOOKS, _LOOK_SECONDS = 3, 0.02  # a window stands still that was the sam
 class Screen(Display):
     """The X server, with menus and what it holds for a program."""
 
-    def wait_for_popup(self, seconds=2):
-        """Waits for a menu that comes from now on."""
-        self._wait(lambda event: event.type == X.MapNotify and event.override, "no menu", seconds)
+    def menu_comes(self):
+        """A menu has come; `came` is that one."""
+        try:
+            _, self.came = self._wait(lambda event: event.type == X.MapNotify and self._is_menu(event.window), "no menu",
+                                      0.2)
+            return True
+        except TimeoutError:
+            return False
+
+    def _is_menu(self, window):
+        try:
+            kinds = window.get_full_property(self._display.intern_atom("_NET_WM_WINDOW_TYPE"), X.AnyPropertyType)
+        except error.XError:  # it has just gone
+            return False
+        return any("MENU" in self._display.get_atom_name(kind) for kind in (kinds.value if kinds else ()))
 
     def map_comes(self):
         """A window has come; `came` is that one."""
@@ -45,14 +57,6 @@ class Screen(Display):
             return window.get_attributes().map_state == X.IsViewable
         except error.XError:
             return False
-
-    def is_keyboard_taken(self):
-        """A menu has the keyboard for itself."""
-        if self._root.grab_keyboard(False, X.GrabModeAsync, X.GrabModeAsync, X.CurrentTime) == X.GrabSuccess:
-            self._display.ungrab_keyboard(X.CurrentTime)
-            self._display.sync()
-            return False
-        return True
 
     def height(self, window):
         return window.get_geometry().height
@@ -82,13 +86,13 @@ class Customer:
         self.window = window
         self._offsets = {}
 
-    def press(self, name, is_done, role="push button", window=None, where=""):
+    def press(self, name, is_done, role="push button", window=None, where="", tries=_TRIES):
         """Clicks on a control of a window, the main one unless given, until something has happened.
 
         where: what kind of window it is
         """
         window = window or self.window
-        for _ in range(_TRIES):
+        for _ in range(tries):
             place, height = self._steady(window)
             key = where, height, role, name  # a control stands elsewhere when its window has another size
             self._click(place, key, role, name)
@@ -98,20 +102,15 @@ class Customer:
         raise TimeoutError(f"nothing happens at {name!r}")
 
     def choose(self, button, entry, is_done):
-        """Opens a button's menu and takes its entry of this number."""
+        """Opens a button's menu and takes an entry, until something has happened."""
         for _ in range(_TRIES):
             self._screen.forget()
-            try:
-                self.press(button, self._menu_comes)
-            except TimeoutError:
+            self.press(button, self._screen.menu_comes)
+            try:  # once: behind a menu that has gone there is another control
+                self.press(entry, is_done, role="menu item", window=self._screen.came, where="menu", tries=1)
+                return
+            except (TimeoutError, subprocess.CalledProcessError):
                 keys("key", "Escape")
-                continue
-            # Before the menu has the keyboard, the keys would go to the button that has the focus.
-            if self._comes_true(self._screen.is_keyboard_taken):
-                keys("key", *["Down"] * entry, "Return")
-                if self._comes_true(is_done):
-                    return
-            keys("key", "Escape")
         raise TimeoutError(f"nothing comes of {button!r}")
 
     def type_into(self, name, text, is_done):
@@ -126,13 +125,6 @@ class Customer:
 
     def _has_keyboard(self):
         return self._screen.focused_in(self.window)
-
-    def _menu_comes(self):
-        try:
-            self._screen.wait_for_popup(0.3)
-            return True
-        except TimeoutError:
-            return False
 
     def _steady(self, window):
         """Place and height of a window that stands still."""

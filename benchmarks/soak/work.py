@@ -116,8 +116,8 @@ class Work:
                                     f"no of participants :{number - 40} ")
             agent.expected_log["received participants modify"] += 1
             agent.send_and_wait("sessionStatus participantsModify 43 true", "found both widgets")
-            self._choose(f"More: {names[-1]}", 1, "buttonClicked swapScreen 43")
-            self._choose(f"More: {names[-1]}", 2, "buttonClicked revokeControl 43")
+            self._choose(f"More: {names[-1]}", "Swap Screen", "buttonClicked swapScreen 43")
+            self._choose(f"More: {names[-1]}", "Revoke Control", "buttonClicked revokeControl 43")
             for number, name in enumerate(names, 41):
                 agent.send_and_wait(f"sessionStatus participantsDelete {urllib.parse.quote(name)} {number}",
                                     "data cleared")
@@ -197,7 +197,7 @@ class Work:
             self._agent.expect(mark, line)
             self._agent.send(*report)
             self._agent.settle()
-        self._choose("More", 1, "buttonClicked settings")
+        self._choose("More", "Go to Website", "buttonClicked settings")
 
     def file_transfer(self):
         with self._panel("File Transfer"):
