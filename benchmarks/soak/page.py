@@ -137,7 +137,7 @@ with a window manager. `scripts/soak` does it, writes this page, and ends with 1
 Two things grow by their nature, and are measured or done before the long part:
 
 - **The conversation** is kept for the whole session: the customer can scroll back and save it. What it costs was measured at the beginning, with nothing else going on: {kib:.2f} KiB for each entry, over {entries} entries of the same kind, after as many others. That much is taken off for each entry that came; the picture shows the memory with and without it.
-- **A chooser of files or folders** is the toolkit's own, and it loses some icons each time: a program that shows nothing else grows by 10 to 25 KiB with each one. {choosers} of them are shown first, and none in the long part.
+- **A chooser of files or folders** is the toolkit's own, and a program that shows nothing else grows with them, too, by up to 25 KiB each, not always. {choosers} of them are shown first, and none in the long part.
 
 ## The last run
 
