@@ -188,7 +188,7 @@ class TheWindow(InvitationCase):
         super().setUp()
         self.site = Site()
         self.addCleanup(self.site.end)
-        self.begin()
+        self.begin(speed=1)  # the library's processes would have the faster clock too, for their own time-outs
 
     def join(self, start):
         self.assertEqual(self.click_on(start + 2), 1)
@@ -202,7 +202,8 @@ class TheWindow(InvitationCase):
         def seen():
             x, y = windows.position(window)
             return [colour_at(x + right, y + down) for right, down in points]
-        until(lambda: set(seen()) == {colour}, lambda: f"the page in {colour}; there is {seen()}", seconds=60)
+        until(lambda: set(seen()) == {colour}, lambda: f"the page in {colour}; there is {seen()}, asked for were "
+              f"{self.site.asked}, helpers are {self.helpers()}", seconds=60)
 
     def close(self, window):
         self.session.windows.close(window)
