@@ -10,7 +10,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from chatPanel import ChatCase  # noqa: E402
-from screen import colour_at, key, picture, place_of, xdotool  # noqa: E402
+from screen import children, colour_at, key, picture, place_of, xdotool  # noqa: E402
 from session import PICTURES, SANDBOX, lives, main  # noqa: E402
 from waiting import until  # noqa: E402
 
@@ -67,7 +67,13 @@ class InvitationCase(ChatCase):
         count = self.conversation().count(LINK)
         self.session.send(b" ".join([b"AR_SESSION", *(os.fsencode(word) for word in words)]))
         until(lambda: self.conversation().count(LINK) > count, lambda: f"an invitation, not {self.conversation()!r}")
+        until(self.is_at_its_end, "the conversation scrolls to its end")
         return self.conversation().rindex(LINK)
+
+    def is_at_its_end(self):
+        bars = [bar for bar in children(self.application.find("text", "Conversation").get_parent())
+                if bar.get_role() == Atspi.Role.SCROLL_BAR]
+        return bars and all(Atspi.Value.get_current_value(bar) == Atspi.Value.get_maximum_value(bar) for bar in bars)
 
     def click_on(self, offset, *arguments):
         """Clicks on the left part of a character of the conversation; gives how often the link has reacted."""
