@@ -9,7 +9,7 @@ import time
 from gi.repository import GLib
 
 
-_PATIENCE = float(os.environ.get("PATIENCE", 1))
+PATIENCE = float(os.environ.get("PATIENCE", 1))
 
 
 class TimedOut(AssertionError):
@@ -21,7 +21,7 @@ def until(question, what, seconds=15):
 
     what: what is waited for, or a function that says what is seen instead; part of the failure.
     """
-    end = time.monotonic() + seconds * _PATIENCE
+    end = time.monotonic() + seconds * PATIENCE
     context = GLib.MainContext.default()
     while True:
         while context.iteration(False):  # news of the accessible tree arrives here
