@@ -89,20 +89,10 @@ GtkWidget *newEmptyImage(int sizePx)
     return image;
 }
 
-/// "play.png" has its double size in "play@2x.png".
-OwnedText doubleSizePath(const char *path)
-{
-    const char *const dot = strrchr(path, '.');
-    if (!dot)
-        return nullptr;
-    return OwnedText(g_strdup_printf("%.*s@2x%s", int(dot - path), path, dot));
-}
-
 /// Shows the double size of a picture; false where there is none.
 bool setDoubleSize(GtkWidget *image, const char *path)
 {
-    const OwnedText doublePath = path && screenScale() == 2 ? doubleSizePath(path) : nullptr;
-    GdkPixbuf *const picture = readPicture(doublePath.get());
+    GdkPixbuf *const picture = readPicture(doubleSizePath(path).get());
     if (!picture)
         return false;
     cairo_surface_t *const surface = gdk_cairo_surface_create_from_pixbuf(picture, 2, nullptr);
@@ -121,6 +111,14 @@ void setOwnSize(GtkWidget *image, const char *path)
 }
 
 } // namespace
+
+OwnedText doubleSizePath(const char *path)
+{
+    const char *const dot = path && screenScale() == 2 ? strrchr(path, '.') : nullptr;
+    if (!dot)
+        return nullptr;
+    return OwnedText(g_strdup_printf("%.*s@2x%s", int(dot - path), path, dot));
+}
 
 GtkWidget *resizeImages(const char *path, int sizePx, int marginPx)
 {

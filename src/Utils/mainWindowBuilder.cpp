@@ -286,7 +286,7 @@ void buildStatusButtons(MainWindow *mainwindow)
     mainwindow->onDemandScreenSharing = newFlatButton(); // never placed in the window
     setVerticalMargins(mainwindow->onDemandScreenSharing, statusMarginPx);
     gtk_widget_set_sensitive(mainwindow->onDemandScreenSharing, FALSE);
-    mainwindow->onDemandScreenSharingImage = keep_widget(gtk_image_new_from_file(mainwindow->imageRecording));
+    mainwindow->onDemandScreenSharingImage = keep_widget(newAnimatedImage(mainwindow->imageRecording));
     gtk_widget_set_name(mainwindow->onDemandScreenSharingImage, "glowing-image");
 }
 

@@ -51,6 +51,11 @@ GtkWidget *newImageFromFile(const char *path);
 /// Puts a file's picture into an image; as `newImageFromFile`.
 void setImageFromFile(GtkWidget *image, const char *path);
 
+/// At scale factor 2 the path where the double size of "play.png" may be, "play@2x.png"; else null.
+OwnedText doubleSizePath(const char *path);
+/// An image that plays an animation while it is on the screen; as `newImageFromFile`.
+GtkWidget *newAnimatedImage(const char *path);
+
 /// Has a label show any text in one line of the room there is; the text itself stays whole.
 void makeOneLine(GtkWidget *label);
 /// Lets assistive technology announce a picture that stands beside a text under that text.

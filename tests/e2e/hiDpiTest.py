@@ -4,7 +4,7 @@ import gi
 
 gi.require_version("Atspi", "2.0")
 gi.require_version("GdkPixbuf", "2.0")
-from gi.repository import Atspi, GdkPixbuf  # noqa: E402
+from gi.repository import Atspi, GdkPixbuf, GLib  # noqa: E402
 
 from screen import Pixels, _over, everything, press, sensitive, shown, the_display
 from session import RESOURCES, Home, SessionCase, main
@@ -50,6 +50,40 @@ class CrispPixels(Pixels):
             found.append(min(_distance(rows, expected, wide, right, down)
                              for right in range(2 * around + 1) for down in range(2 * around + 1)))
         return found
+
+
+    def frame_on(self, accessible, frames):
+        """Number of the frame that stands on a control with every pixel it has, or None. Extents are told in the pixels
+        of the program."""
+        x, y, width, height = area(accessible)
+        wide, high = frames[0].get_width(), frames[0].get_height()
+        for left in range(x + (width - wide) // 2 - 1, x + (width - wide) // 2 + 2):
+            for top in range(y + (height - high) // 2 - 1, y + (height - high) // 2 + 2):
+                seen = self._grab(left, top, wide, high)
+                for number, frame in enumerate(frames):
+                    if all(a == b for a, b in zip(seen, _opaque(frame)) if b):
+                        return number
+        return None
+
+
+def _opaque(picture):
+    """Colours of its pixels, None where it is transparent."""
+    row, data = picture.get_rowstride(), picture.get_pixels()
+    for y in range(picture.get_height()):
+        for at in range(y * row, y * row + 4 * picture.get_width(), 4):
+            yield tuple(data[at:at + 3]) if data[at + 3] else None
+
+
+def frames_of(file):
+    """The frames of an animation, each once."""
+    animation = GdkPixbuf.PixbufAnimation.new_from_file(str(file))
+    now = GLib.TimeVal()
+    frames, player = [], animation.get_iter(now)
+    for tenth in range(14):
+        now.tv_sec, now.tv_usec = divmod(tenth * 100_000 + 50_000, 1_000_000)
+        player.advance(now)
+        frames.append(player.get_pixbuf().copy())
+    return frames
 
 
 def _distance(rows, expected, wide, right, down):
@@ -108,6 +142,20 @@ class TheWindow(SessionCase):
             self.session.send(f"sessionStatus {line}")
             picture = GdkPixbuf.Pixbuf.new_from_file(str(RESOURCES / f"{file}@2x.png"))
             until(lambda: self.pixels.is_crisp(icon(), picture), f"{file} crisp")
+
+    def test_draws_the_recording_sign_crisp_in_every_frame(self):
+        frames = frames_of(RESOURCES / "record@2x.gif")
+        self.session.send("ONDEMAND START")
+        sign = until(lambda: next((a for a in self.application.shown_all("icon")
+                                   if a.get_extents(Atspi.CoordType.SCREEN).width > 20), None), "the recording sign")
+        seen = set()
+
+        def look():
+            number = self.pixels.frame_on(sign, frames)
+            if number is not None:
+                seen.add(number)
+            return len(seen) >= 4
+        until(look, lambda: f"four frames of the double size; there are {seen}")
 
     def test_is_on_the_screen_with_every_control(self):
         whole = the_display().screen()
