@@ -9,6 +9,7 @@
 #include "src/Chat/chat.h"
 #include "src/Utils/panels.h"
 #include "src/Utils/pipeTransport.h"
+#include "src/Utils/smallScreen.h"
 #include "src/controls.h"
 #include "src/localizationText.h"
 #include "src/support.h"
@@ -347,12 +348,14 @@ int createMainWindow(MainWindow *mainwindow, ChatWindow *chatwindow)
     makeRecords(mainwindow, chatwindow);
     GtkWidget *const box = newBox(GTK_ORIENTATION_VERTICAL);
     pack(box, buildInfoBar(mainwindow));
-    pack(box, buildActionBox(mainwindow, chatwindow));
+    GtkWidget *const actionBox = buildActionBox(mainwindow, chatwindow);
+    pack(box, actionBox);
     pack(box, buildStatusRow(mainwindow));
     gtk_container_add(GTK_CONTAINER(mainwindow->window), box);
     setToolbarImages(mainwindow);
     connect_signal(mainwindow->sendFile, "clicked", onSendFilesClicked, mainwindow);
     setDepricatedApis(mainwindow);
+    scrollWithoutRoom(mainwindow, actionBox);
     gtk_widget_add_events(mainwindow->window, GDK_STRUCTURE_MASK);
     return 0;
 }

@@ -108,17 +108,32 @@ class SmallScreen(SessionCase):
         return f"{self.outside(window)} on the screen; {window.get_name()!r} is {extents.width} x {extents.height}"
 
 
-class TheWindow(SmallScreen):
     def add_participants(self, count):
         for number in range(count):
             self.session.send(f"sessionStatus participantsAdd {NAME.replace(' ', '%20')}%20{number} 4{number} true")
             self.session.log.expect("participants present", number + 1)
+
+    def open_one_by_one(self):
+        """Each panel comes into view as it opens; toolbar and status row stay."""
+        frame = self.application.find("frame")
+        for panel, content in (("Participant", ("label", self.texts["Participants"])),
+                               ("File Transfer", ("label", self.texts["File Transfer"])),
+                               ("Annotation", ("push button", self.texts["Clear Screen"]))):
+            self.press(panel)
+            self.application.find(*content)
+            self.fits(frame)
+        self.chat()
+        self.fits(frame)
+        for control in ("Participant", "Pause Screen Sharing"):
+            self.application.find("push button", self.texts[control])
 
     def chat(self):
         self.session.send("chat Ann\n" + (SENTENCE * 20).replace(" ", "%20"))  # opens its panel
         self.session.settled()
         self.application.find("text", self.texts["Message"])
 
+
+class TheWindow(SmallScreen):
     def test_fits_with_every_panel_open(self):
         for language in LANGUAGES:
             with self.subTest(language):
@@ -138,6 +153,11 @@ class TheWindow(SmallScreen):
         self.press("Participant")
         self.application.find("push button", f"More: {NAME} 15")
         self.fits(self.application.find("frame"))
+
+    def test_fits_with_many_participants_and_every_panel_open(self):
+        self.begin("en")
+        self.add_participants(16)
+        self.open_one_by_one()
 
 
 class EveryQuestion(SmallScreen):
@@ -188,11 +208,11 @@ class EveryQuestionAtTwiceTheSize(EveryQuestion):
 class TheWindowAtTwiceTheSize(SmallScreen):
     scale = 2
 
-    def test_fits_with_each_panel_but_the_chat(self):
+    def test_fits_with_each_panel(self):
         self.begin("de")
         self.session.send("sessionStatus participantsAdd Ann 41 true")
-        # The chat is the one that has not the room it needs.
         for panel, content in (("Participant", ("label", "Ann")),
+                               ("Chat", ("text", self.texts["Message"])),
                                ("File Transfer", ("push button", self.texts["Send File"])),
                                ("Annotation", ("push button", self.texts["Pen"]))):
             with self.subTest(panel):
@@ -201,6 +221,21 @@ class TheWindowAtTwiceTheSize(SmallScreen):
                 self.fits(self.application.find("frame"))
                 self.press(panel)
                 self.application.gone(*content)
+
+    def test_fits_with_many_participants_and_every_panel_open(self):
+        self.begin("de")
+        self.add_participants(12)
+        self.open_one_by_one()
+
+    def test_is_as_small_as_before_once_the_panels_are_closed(self):
+        self.begin("de")
+        frame = self.application.find("frame")
+        before = frame.get_extents(Atspi.CoordType.SCREEN).height
+        self.add_participants(12)
+        self.press("Participant")
+        self.fits(frame)
+        self.press("Participant")
+        until(lambda: frame.get_extents(Atspi.CoordType.SCREEN).height == before, lambda: self.misses(frame))
 
 
 if __name__ == "__main__":
