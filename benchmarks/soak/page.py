@@ -26,7 +26,6 @@ class Result:
     done: dict
     agent: dataclasses.InitVar
     samples: list
-    kib_per_entry: float
     status: int
     errors: str
     is_log_rotated: bool = False
@@ -35,7 +34,7 @@ class Result:
         self.heard, self.places = agent.heard()
         self.logged = agent.logged()
         self.expected, self.expected_log, self.lines_sent = agent.expected, agent.expected_log, agent.lines_sent
-        self.growths = samples.judge(self.samples, self.kib_per_entry)
+        self.growths = samples.judge(self.samples)
         self.warnings = re.findall(r".*(?:WARNING|CRITICAL|ERROR) \*\*.*", _TOOLKITS_OWN.sub("", self.errors))
 
     def checks(self):
@@ -106,9 +105,7 @@ def _plots(result):
         return Curve(name, _thinned(points))
     return [
         Plot("soakMemory", "Memory of the companion at work", "minutes", "MiB", [
-            curve("private", lambda each: each.private_kib / 1024),
-            curve("private, without the conversation",
-                  lambda each: samples.without_conversation(each, result.kib_per_entry) / 1024)], room=_ROOM),
+            curve("private", lambda each: each.private_kib / 1024)], room=_ROOM),
         Plot("soakCounts", "What the companion holds at work", "minutes", "number", [
             curve("accessible objects", lambda each: each.accessibles), curve("handles", lambda each: each.handles),
             curve("threads", lambda each: each.threads), curve("windows", lambda each: each.windows)], room=_ROOM),
@@ -129,14 +126,14 @@ with a window manager. `scripts/soak` does it, writes this page, and ends with 1
 
 - A "normal" session of the release build. The agent is played: its lines go through the real pipe, and all that the companion says is read.
 - The customer is a pointer and a keyboard on the screen. A dialog is answered by its button or by its frame, goes by time, or is taken back by the technician.
-- One round is a text of {report} lines that ask nothing, 12 questions in turn of all kinds and answers, three participants with their menus, in every fourth chat both ways with an AR invitation, sharing paused and resumed, the panels opened and closed, a small program in the place of the one that draws, and the question whether to leave. Names and messages are in a dozen scripts.
+- One round is a text of {report} lines that ask nothing, 12 questions in turn of all kinds and answers, three participants with their menus, chat both ways with an AR invitation in the first third of the time, sharing paused and resumed, the panels opened and closed, a small program in the place of the one that draws, and the question whether to leave. Names and messages are in a dozen scripts.
 - Each step waits for what has to come of it; what is lost ends the run. At the end every line of the agent must have left its message in the log, and every answer must have come exactly as often as it was given.
-- Between two rounds, with all dialogs and panels closed, the companion is looked at. The first tenth of the time is left to the toolkit for what it loads on first use. Then the median of the first quarter is compared with that of the last.
+- Between two rounds, with all dialogs and panels closed, the companion is looked at. In the two thirds of the time in which the conversation rests, the median of the first quarter is compared with that of the last.
 - Widgets are counted as accessible objects, shown or not, and as windows on the X server. A process of its own counts the former and listens to the program for that moment only.
 
-Two things grow by their nature, and are measured or done before the long part:
+Two things grow by their nature, and come before what is judged:
 
-- **The conversation** is kept for the whole session: the customer can scroll back and save it. What it costs was measured at the beginning, with nothing else going on: {kib:.2f} KiB for each entry, over {entries} entries of the same kind, after as many others. That much is taken off for each entry that came; the picture shows the memory with and without it.
+- **The conversation** is kept for the whole session: the customer can scroll back and save it. Its {entries} entries come in the first third, in which the curve of the memory rises; what one costs is on the page about [performance](performance.md).
 - **A chooser of files or folders** is the toolkit's own, and a program that shows nothing else grows with them, too, by up to 25 KiB each, not always. {choosers} of them are shown first, and none in the long part.
 
 ## The last run
@@ -159,7 +156,7 @@ def _text(result, pictures):
         work=_table(("what was done", "how often"), [(what, _number(count)) for what, count in _work_rows(result)]),
         checks=_table(("what was looked at when all was over", "expected", "seen", ""), checks),
         growths=_table(("what it holds", "first quarter", "last quarter", "limit", ""), growths),
-        kib=result.kib_per_entry, entries=_number(result.done["entries measured"]), choosers=result.done["choosers"],
+        entries=_number(result.done["messages"] + result.done["invitations"]), choosers=result.done["choosers"],
         log_mb=_number(result.log_bytes() / 1e6))
 
 

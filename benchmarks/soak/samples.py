@@ -6,13 +6,12 @@ import statistics
 
 from customer import look_at
 
-_WARM_UP = 0.1  # of the run; what the toolkit loads on first use has been loaded then
+CONVERSATION = 1 / 3  # of the run; it is kept, and so the memory is judged when it rests
 
 
 @dataclasses.dataclass
 class Sample:
     minutes: float
-    entries: int  # in the conversation so far
     private_kib: int
     share_kib: int  # proportional
     handles: int
@@ -29,7 +28,7 @@ class Sample:
 @dataclasses.dataclass
 class Growth:
     name: str
-    first: float  # medians of the first and the last quarter behind the warm-up
+    first: float  # medians of the first and the last quarter of what comes behind the conversation
     last: float
     limit: str
     holds: bool
@@ -46,23 +45,19 @@ def _children(pid):
             yield state
 
 
-def take(process, screen, window, log, minutes, entries, with_accessibles):
+def take(process, screen, window, log, minutes, with_accessibles):
     share, private = process.memory()
     states = list(_children(process.pid))
     windows, pictures, resources = screen.resources(window)
-    return Sample(minutes, entries, private, share, process.handles(), process.threads(), windows, pictures,
+    return Sample(minutes, private, share, process.handles(), process.threads(), windows, pictures,
                   resources, len(states), states.count("Z"), log.stat().st_size,
                   look_at(process)[0] if with_accessibles else None)
 
 
-def without_conversation(sample, kib_per_entry):
-    return sample.private_kib - sample.entries * kib_per_entry
-
-
 def _quarters(samples, read):
-    """Medians of the first and the last quarter of what is read behind the warm-up."""
-    warm = samples[-1].minutes * _WARM_UP
-    values = [value for value in (read(each) for each in samples if each.minutes >= warm) if value is not None]
+    """Medians of the first and the last quarter of what is read when the conversation rests."""
+    rest = samples[-1].minutes * CONVERSATION
+    values = [value for value in (read(each) for each in samples if each.minutes >= rest) if value is not None]
     quarter = max(len(values) // 4, 1)
     return statistics.median(values[:quarter]), statistics.median(values[-quarter:])
 
@@ -82,16 +77,15 @@ def _below(name, samples, read, limit):
     return Growth(name, first, last, f"<= {limit}", last <= limit)
 
 
-_MEMORY_LIMIT = 1.03
+_MEMORY_LIMIT = 1.02
 _TOOLTIP = 1  # the toolkit's window for tooltips comes with the first of them and stays
 _OF_TOOLTIP = 2  # what belongs to that window
 _PICTURES_LIMIT = 600  # the drawing library keeps one for each shade of grey and of transparency that was ever drawn
 
 
-def judge(samples, kib_per_entry):
+def judge(samples):
     return [
-        _at_most_more("private memory without the conversation, MiB", samples,
-                      lambda each: without_conversation(each, kib_per_entry) / 1024, _MEMORY_LIMIT),
+        _at_most_more("private memory, MiB", samples, lambda each: each.private_kib / 1024, _MEMORY_LIMIT),
         Growth("proportional share, MiB", *_quarters(samples, lambda each: each.share_kib / 1024), "none: it depends "
                "on who else uses the toolkit", True),
         _no_more("handles", samples, lambda each: each.handles),

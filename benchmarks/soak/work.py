@@ -43,7 +43,6 @@ NOTICES = (("not32", "Cannot start annotation as this system doenn't support 32 
 _REPEATS = 40  # of the reports, in one text
 _ANSWERS = [(question, *answer) for question in QUESTIONS for answer in question.answers]
 _EACH_ROUND = 12  # of those
-_CHAT_EVERY = 4  # rounds
 _NOTICE_SECONDS = 0.4  # longer than a notice shows by the companion's clock
 
 
@@ -56,12 +55,12 @@ class Work:
         self._messages = itertools.cycle(MESSAGES)
         self.done = collections.Counter()
 
-    def round(self):
+    def round(self, with_chat):
         self.report()
         self.participants()
         for _ in range(_EACH_ROUND):
             self.ask(*next(self._answers))
-        if self.done["rounds"] % _CHAT_EVERY == 0:
+        if with_chat:
             self.chat()
         self.sharing()
         self.file_transfer()
@@ -137,18 +136,13 @@ class Work:
         self._agent.settle()  # its line may be read as the message's third, which nothing shows
         self.done["messages"] += 1
 
-    def chat(self, times=1):
-        """Two messages, an invitation and a reply; so often."""
+    def chat(self):
+        """Two messages, an invitation and a reply."""
         with self._panel("Chat"):
-            for _ in range(times):
-                self._receive(next(self._messages), next(self._names))
-                self._receive(next(self._messages), next(self._names))
-                self._invite(next(self._names))
-                self._reply("Yes", "chat Yes%0A")
-
-    def entries(self):
-        """How many there are in the conversation."""
-        return self.done["messages"] + self.done["invitations"]
+            self._receive(next(self._messages), next(self._names))
+            self._receive(next(self._messages), next(self._names))
+            self._invite(next(self._names))
+            self._reply("Yes", "chat Yes%0A")
 
     def _invite(self, name):
         self._agent.send_and_wait(f"AR_SESSION https://example.org/ar {name}", "AR Session initiate message received")
