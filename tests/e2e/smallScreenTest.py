@@ -181,14 +181,16 @@ class EveryQuestion(SmallScreen):
         windows = self.session.windows
         window = until(windows.active, "the main window has the keyboard")
         self.session.send(line)
-        until(lambda: windows.active() not in (None, window), lambda: f"the keyboard for the question: {self.dialogs()}")
+        question = until(lambda: next((each for each in [windows.active()] if each not in (None, window)), None),
+                         lambda: f"the keyboard for the question: {self.dialogs()}")
         dialog = until(self.dialogs, self.application.describe)[0]
         self.looks_well(dialog)
         if " samecon " in line:  # whose refusal ends the session
             self.press("Join")
         else:
-            windows.close(windows.numbered(windows.active()))
-        until(lambda: not self.dialogs() and windows.active() == window, "the question goes")
+            windows.close(windows.numbered(question))
+        until(lambda: not self.dialogs() and windows.active() == window,
+              lambda: f"{question} goes; there are {self.dialogs()}, {windows.active()} is active, not {window}")
 
     def dialogs(self):
         return [each for each in children(self.application.root)
