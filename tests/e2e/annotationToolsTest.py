@@ -215,11 +215,11 @@ class AProgram(AnnotationCase):
 
 
 class EachInstallation(AnnotationCase, RootCase):
-    def draws(self, kind, logs, product, **options):
+    def draws(self, kind, logs, product, resources=None):
         """The overlay of this installation is started with its places, draws, and ends with the session."""
         folder = f"{product}/bin" if product != BARE else f"{BARE}/Brindle/bin"
         copy = f"mkdir -p {folder}; cp {OVERLAY} {folder}/Annotation"
-        session = self.start_root(kind, logs, f"{product}/temp", setup=copy, **options)
+        session = self.start_root(kind, logs, f"{product}/temp", resources or f"{product}/Resource", setup=copy)
         self.use(session)
         overlay = self.open()
         self.take("Pen")
