@@ -5,8 +5,8 @@
 
 #include "Logger/logger.h"
 #include "src/Dialog/dialog.h"
-#include "src/Protocol/messageHandler.h"
 #include "src/IdleThread/IdleThread.h"
+#include "src/Protocol/messageHandler.h"
 #include "src/Utils/Utils.h"
 #include "src/Utils/webview.h"
 #include "src/localizationText.h"
