@@ -29,7 +29,12 @@ if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
     set(CMAKE_INSTALL_PREFIX "${defaultPrefix}" CACHE PATH "Home directory, or the file system's root" FORCE)
 endif()
 
-# The directories that the program expects and never makes itself.
+# The directories that the program expects and never makes itself. A user's are nobody else's; what a package lays out
+# is only copied by each user, see packaging/brindle-user-install.
+set(rights OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+if(BRINDLE_PACKAGE OR NOT BRINDLE_LAYOUT STREQUAL "user")
+    list(APPEND rights GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+endif()
 foreach(directory IN ITEMS ${BRINDLE_LOG_DIR} ${BRINDLE_PIPE_DIR})
-    install(DIRECTORY DESTINATION ${directory} COMPONENT runtime)
+    install(DIRECTORY DESTINATION ${directory} COMPONENT runtime DIRECTORY_PERMISSIONS ${rights})
 endforeach()
