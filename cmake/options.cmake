@@ -12,6 +12,12 @@ if(NOT BRINDLE_SANITIZE)
     add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
 endif()
 
+# The same package from every folder: its build identifier is made of the file's bytes, debug information included.
+# Builds to work with keep the real paths, which debuggers and coverage need. The last map that fits is taken.
+if(BRINDLE_PACKAGE)
+    add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+endif()
+
 if(BRINDLE_SANITIZE)
     # Lines are what a report needs; without the rest and unoptimised, the build takes a third of the time.
     add_compile_options(-fsanitize=${BRINDLE_SANITIZE} -fno-omit-frame-pointer -g1)
