@@ -8,6 +8,7 @@
 #include "src/localizationText.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -121,10 +122,17 @@ GString *copyTranscript(ChatWindow *chatwindow)
     return transcript;
 }
 
-/// A file that can't be opened is passed over in silence. Non-blocking, for a FIFO of that name would stop the window.
+/// A link that the customer has made leads where the customer wants.
+bool isOwnLink(const char *path)
+{
+    struct stat status;
+    return lstat(path, &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid == geteuid();
+}
+
+/// A file that can't be opened is passed over in silence.
 void writeTranscript(const char *path, ChatWindow *chatwindow)
 {
-    const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, transcriptMode);
+    const int file = openTranscript(path);
     if (file < 0)
         return;
     GString *const transcript = copyTranscript(chatwindow);
@@ -181,6 +189,14 @@ OwnedText transcriptHeader(const struct tm &today, const char *sessionKey, const
                                      "%26s\tsessionkey: %s%54s\n%26s\tType: %s%60s\n%s",
                                      starLines, "", "", starLines, "", date, "", "", sessionKey ? sessionKey : "", "",
                                      "", sessionType ? sessionType : "", "", starLines));
+}
+
+int openTranscript(const char *path)
+{
+    // Non-blocking, for a FIFO of that name would stop the window.
+    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC;
+    const int file = open(path, flags | O_NOFOLLOW, transcriptMode);
+    return file < 0 && errno == ELOOP && isOwnLink(path) ? open(path, flags, transcriptMode) : file;
 }
 
 void enableChatTranscriptButton(ChatWindow *chatwindow)

@@ -19,6 +19,11 @@ void appendFullEntry(ChatWindow *chatwindow, const char *sender, const char *mes
 /// @param sessionKey, sessionType  may be null
 OwnedText transcriptHeader(const struct tm &today, const char *sessionKey, const char *sessionType);
 
+/// Opens the transcript's file, empty, to be written. In a folder that others may write to, a symbolic link of one of
+/// them is refused: what it points to would be overwritten with the customer's rights. Thread: any.
+/// @return a descriptor; -1 when it can't be opened
+int openTranscript(const char *path);
+
 /// Makes the save button usable. Thread: any; the widget changes on the main thread.
 void enableChatTranscriptButton(ChatWindow *chatwindow);
 /// "clicked" of the save button: asks for a folder and writes the transcript there. Thread: main.

@@ -2,8 +2,10 @@
 
 #include "src/Chat/chat.h"
 #include "src/main.h"
+#include "tests/support/temporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <sstream>
 #include <string>
@@ -118,4 +120,29 @@ TEST(TranscriptHeader, MissingKeyIsLeftEmpty)
     const std::string header = transcriptHeader(timeOf(9, 5, 2), nullptr, nullptr).get();
     EXPECT_NE(header.find("\tsessionkey: " + std::string(54, ' ') + "\n"), std::string::npos);
     EXPECT_NE(header.find("\tType: " + std::string(60, ' ') + "\n"), std::string::npos);
+}
+
+TEST(TranscriptFile, IsOpenedThroughALinkOfTheCustomer)
+{
+    const TemporaryFolder folder;
+    const std::string target = folder.write("target", "former"), link = folder.file("link");
+    ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0);
+    const int file = openTranscript(link.c_str());
+    ASSERT_GE(file, 0);
+    EXPECT_EQ(close(file), 0);
+    EXPECT_EQ(folder.read("target"), "");
+}
+
+TEST(TranscriptFile, IsNotOpenedThroughALinkOfSomebodyElse)
+{
+    const TemporaryFolder folder;
+    const std::string target = folder.write("target", "former");
+    std::string link = "/dev/stdout"; // root's
+    if (geteuid() == 0) {
+        link = folder.file("link");
+        ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0);
+        ASSERT_EQ(lchown(link.c_str(), 2000, 2000), 0);
+    }
+    EXPECT_EQ(openTranscript(link.c_str()), -1);
+    EXPECT_EQ(folder.read("target"), "former");
 }
