@@ -96,7 +96,8 @@ constexpr InboundLine inbound[] = {
     prompt(Topic::files, "vcall", "Video call", "Rings for three minutes"),
     prompt(Topic::files, "cancelavcall", "Stop ringing", "The call's question goes"),
 
-    prompt(Topic::swap, "initswap", "Technician's screen is asked for", "The customer waits and may cancel",
+    prompt(Topic::swap, "initswap", "Technician's screen is asked for",
+           "The customer waits and may cancel. The dialog shows the name of TECH-NAME, not this one",
            {"technician's name", Encoding::plain, "John", "John|Ann|Kim"}),
     outcome("approved", "Approved", "The waiting dialog and the main window go; the program runs on"),
     outcome("swapRejected", "Rejected", "The waiting dialog goes, with a notice"),

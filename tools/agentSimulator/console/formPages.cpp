@@ -97,7 +97,7 @@ GtkWidget *buildField(Form *form, const Field &field)
     form->entries.push_back(entry);
 
     const bool isText = field.encoding == Encoding::base64 || field.encoding == Encoding::percentList ||
-                        std::string_view(field.name) == "message";
+                        std::string_view(field.name) == "message" || std::string_view(field.name) == "URL";
     gtk_entry_set_width_chars(GTK_ENTRY(entry), isText ? 30 : 12);
     GtkWidget *const column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2);
     gtk_box_pack_start(GTK_BOX(column), buildText(field.name, "quiet"), FALSE, FALSE, 0);
