@@ -1,21 +1,14 @@
 """Every control of the window says what it is to assistive technology."""
 
 from screen import click, everything, shown
-from session import Home, SessionCase, main
+from session import WholeWindowCase, main
 
 CONTROLS = {"push button", "toggle button", "check box", "text", "entry", "menu item", "combo box", "radio button"}
 NAMES = ["Participant", "Chat", "File Transfer", "Annotation", "More", "Download Chat", "Send File", "Pen", "Rectangle",
          "Ellipse", "Line", "Eraser", "Clear Screen", "Pause Screen Sharing"]
 
 
-class TheWindow(SessionCase):
-    def setUp(self):
-        super().setUp()
-        home = Home()
-        home.install_annotation()
-        self.session = self.start(home=home).ready()
-        self.application = self.session.application
-
+class TheWindow(WholeWindowCase):
     def open_everything(self):
         for button in ("Participant", "Chat", "File Transfer", "Annotation"):
             click(self.application.find("push button", button))

@@ -1,20 +1,13 @@
 """The four panels under a real pointer: toolbar buttons, headers, and what a panel holds."""
 
 from screen import click, grab_focus, key
-from session import Home, SessionCase, main
+from session import WholeWindowCase, main
 from waiting import until
 
 NOTICE = " Multiple technicians are present! Request the\n technician to intiate file transfer"
 
 
-class PanelCase(SessionCase):
-    def setUp(self):
-        super().setUp()
-        home = Home()
-        home.install_annotation()
-        self.session = self.start(home=home).ready()
-        self.application = self.session.application
-
+class PanelCase(WholeWindowCase):
     def toolbar(self, name):
         click(self.application.find("push button", name))
 

@@ -315,6 +315,17 @@ class SessionCase(unittest.TestCase):
                 print(f"the agent received: {session.agent.lines()}", file=sys.stderr)
 
 
+class WholeWindowCase(SessionCase):
+    """A session whose window has all four panels, that of annotation, too."""
+
+    def setUp(self):
+        super().setUp()
+        home = Home()
+        home.install_annotation()
+        self.session = self.start(home=home).ready()
+        self.application = self.session.application
+
+
 def _start(home=None, resources=True, install_agent=True, **options):
     if under_wayland():
         # A tooltip that comes as a dialog does ends the program: sway takes it away too early.

@@ -32,6 +32,14 @@ TestSession::TestSession(std::string sessionType, std::vector<std::string> more)
 
 TestSession::~TestSession() = default;
 
+std::vector<std::string> TestSession::newMessages()
+{
+    std::vector<std::string> all = logMessages();
+    all.erase(all.begin(), all.begin() + long(m_logged));
+    m_logged += all.size();
+    return all;
+}
+
 void TestSession::SetUp()
 {
     for (const char *const folder : {".brindle/Brindle/Logs", ".brindle/Brindle/Resource", ".brindle/temp"})

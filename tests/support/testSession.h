@@ -31,6 +31,8 @@ protected:
 
     std::string logPath() const { return home.file(".brindle/Brindle/Logs/ui.log"); }
     std::vector<std::string> logMessages() const { return readLogMessages(logPath()); }
+    /// What was logged since the last call.
+    std::vector<std::string> newMessages();
     /// A message with exactly this text stands in the log.
     bool logHas(const std::string &message) const { return countLogMessages(logPath(), message) > 0; }
     std::string uiPipe() const { return home.file(".brindle/temp/myfifo"); }
@@ -48,6 +50,7 @@ private:
     std::string m_sessionType;
     std::vector<std::string> m_arguments;
     std::vector<char *> m_argv;
+    size_t m_logged = 0;
 };
 
 /// A session with its real control window, shown and arranged as start-up leaves it. Needs a display.

@@ -27,13 +27,6 @@ protected:
         WindowSession::SetUp();
         newMessages();
     }
-    std::vector<std::string> newMessages()
-    {
-        std::vector<std::string> all = logMessages();
-        all.erase(all.begin(), all.begin() + long(m_logged));
-        m_logged += all.size();
-        return all;
-    }
     void fillMailbox(const char *name, const char *id, bool blockButton)
     {
         Expander *const mailbox = mainWindow->participants;
@@ -81,9 +74,6 @@ protected:
         EXPECT_EQ(gtk_widget_get_opacity(findByName(row, "cursorImage")), sensitive ? 1.0 : 0.0);
         return sensitive;
     }
-
-private:
-    size_t m_logged = 0;
 };
 
 class PlainParticipants : public Participants, public ::testing::WithParamInterface<const char *>

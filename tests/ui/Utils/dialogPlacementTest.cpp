@@ -19,14 +19,7 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return frameOfParent().width > 350 && frameOfParent().height < 200; }));
         dialog = gtk_window_new(GTK_WINDOW_TOPLEVEL);
         gtk_window_set_default_size(GTK_WINDOW(dialog), 300, 200);
-        m_logged = logMessages().size();
-    }
-    std::vector<std::string> newMessages()
-    {
-        std::vector<std::string> all = logMessages();
-        all.erase(all.begin(), all.begin() + long(m_logged));
-        m_logged += all.size();
-        return all;
+        newMessages();
     }
     GdkRectangle frameOfParent() const
     {
@@ -45,9 +38,6 @@ protected:
 
     GtkWidget *dialog = nullptr;
     int x = 77, y = 88;
-
-private:
-    size_t m_logged = 0;
 };
 
 constexpr char fallback[] = "Using fallback position (0,0) - no suitable space found";

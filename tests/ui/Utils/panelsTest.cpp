@@ -23,14 +23,7 @@ protected:
     void SetUp() override
     {
         WindowSession::SetUp();
-        m_logged = logMessages().size();
-    }
-    std::vector<std::string> newMessages()
-    {
-        std::vector<std::string> all = logMessages();
-        all.erase(all.begin(), all.begin() + long(m_logged));
-        m_logged += all.size();
-        return all;
+        newMessages();
     }
     int windowHeight() const
     {
@@ -41,9 +34,6 @@ protected:
     void toggleParticipants() { expandParticipantsWidget(mainWindow->participants->button, mainWindow); }
     void toggleChat() { expandWidget(mainWindow->chat->button, mainWindow); }
     void toggleFileTransfer() { expandFileTransfer(mainWindow->fileTransfer->button, mainWindow); }
-
-private:
-    size_t m_logged = 0;
 };
 
 static_assert(GTK_ICON_SIZE_BUTTON == 4 && GTK_ICON_SIZE_SMALL_TOOLBAR == 2);

@@ -32,16 +32,6 @@ protected:
     std::string picture() const { return shownFileOn(mainWindow->startStopSharingButton); }
     std::string tooltip() const { return tooltipOf(mainWindow->startStopSharingButton); }
     bool isReady() const { return gtk_widget_get_sensitive(mainWindow->startStopSharingButton); }
-    std::vector<std::string> newMessages()
-    {
-        std::vector<std::string> all = logMessages();
-        all.erase(all.begin(), all.begin() + long(m_logged));
-        m_logged += all.size();
-        return all;
-    }
-
-private:
-    size_t m_logged = 0;
 };
 
 class Controls : public WindowSession

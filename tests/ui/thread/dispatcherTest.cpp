@@ -42,18 +42,13 @@ protected:
     }
     std::vector<std::string> newMessages()
     {
-        std::vector<std::string> all = logMessages();
-        all.erase(all.begin(), all.begin() + long(m_logged));
-        m_logged += all.size();
+        std::vector<std::string> all = WindowSession::newMessages();
         all.erase(std::remove(all.begin(), all.end(), "closing thread"), all.end());
         return all;
     }
     std::string notice() const { return shownText(mainWindow->infoBarStruct->infoBarLabel); }
     bool isNoticeShown() const { return isShown(mainWindow->infoBarStruct->infoBar); }
     bool isRecordingShown() const { return isShown(mainWindow->onDemandScreenSharingImage); }
-
-private:
-    size_t m_logged = 0;
 };
 
 } // namespace
