@@ -13,6 +13,7 @@ from session import PICTURES, SANDBOX
 
 TOP = pathlib.Path(__file__).parents[2]
 FOLDER = PICTURES.parent / "brindlePackages"
+BUILD = FOLDER / "build"
 KINDS = ("machine", "reach", "user")
 _BUILD_SECONDS = 600
 _SECONDS = 60
@@ -31,7 +32,7 @@ def run(*command, seconds=_SECONDS, **options):
 
 def make_packages():
     """Makes all packages; gives a Package for each kind of installation."""
-    run(TOP / "scripts/package", FOLDER / "build", FOLDER / "out", seconds=_BUILD_SECONDS)
+    run(TOP / "scripts/package", BUILD, FOLDER / "out", seconds=_BUILD_SECONDS)
     found = sorted((FOLDER / "out").iterdir())
     if [path.name.split("_")[0] for path in found] != [f"brindle-ui-{kind}" for kind in KINDS]:
         raise AssertionError(f"scripts/package leaves {found}")

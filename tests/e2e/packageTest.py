@@ -4,13 +4,14 @@ import gzip
 import os
 import pathlib
 import re
+import shutil
 import stat
 import tempfile
 import unittest
 import xml.etree.ElementTree
 
 from logFile import LogFile
-from packageMachine import KINDS, TOP, Machine, make_packages, run
+from packageMachine import BUILD, KINDS, TOP, Machine, make_packages, run
 from screen import Application, Windows, click, sensitive
 from session import SIMULATOR, Home, SessionCase, main
 from waiting import until
@@ -84,6 +85,29 @@ class EachPackage(unittest.TestCase):
                 self.assertLessEqual({f"{resources}/{name}" for name in resource_names()}, set(entries))
                 self.assertEqual({rights for path, rights in entries.items() if path != program and path[-1] != "/"}
                                  - {"-rwxr-xr-x root/root"}, {"-rw-r--r-- root/root"})
+
+    def test_holds_a_program_that_is_hardened(self):
+        """What docs/security.md says about the built file."""
+        for kind, package in PACKAGES.items():
+            with self.subTest(kind):
+                root = new_folder(self)
+                package.unpack(root)
+                told = run("readelf", "--wide", "--file-header", "--program-headers", "--dynamic", "--dyn-syms",
+                           root / PROGRAMS[kind].lstrip("/"), env={**os.environ, "LC_ALL": "C"})
+                self.assertRegex(told, r"\(FLAGS_1\) .* PIE\b")
+                self.assertIn("GNU_RELRO", told)
+                self.assertRegex(told, r"\(FLAGS\) +BIND_NOW")
+                self.assertRegex(told, r"GNU_STACK( +0x[0-9a-f]+){5} RW ")
+                self.assertIn("__stack_chk_fail@", told)
+                self.assertRegex(told, r"__\w+_chk@")
+        self.assertRegex((BUILD / "compile_commands.json").read_text(), r"-D_FORTIFY_SOURCE=3 .*/src/main\.cpp")
+
+    def test_does_not_depend_on_the_folder_it_is_built_in(self):
+        """The build's identifier is made of the whole file, debug information included."""
+        program = (BUILD / "src/brindle-ui").read_bytes()
+        self.assertIn(b"./src/main.cpp", program)
+        for folder in (TOP, BUILD):
+            self.assertNotIn(bytes(folder), program)
 
     def test_holds_no_program_of_the_agent(self):
         for kind, package in PACKAGES.items():
@@ -290,7 +314,8 @@ class AUsersInstallation(SessionCase):
         self.home = new_folder(self)
 
     def install(self, *arguments):
-        return run(self.installer, *arguments, env={**os.environ, "HOME": str(self.home)})
+        without_display = {name: value for name, value in os.environ.items() if "DISPLAY" not in name}
+        return run(self.installer, *arguments, env={**without_display, "HOME": str(self.home)})
 
     def files(self):
         return {str(path.relative_to(self.home)) for path in self.home.rglob("*") if not path.is_dir()}
@@ -304,6 +329,29 @@ class AUsersInstallation(SessionCase):
         self.assertNotIn("FAILED", run("sha256sum", "--check", ".brindle/Brindle/brindle-ui.sha256", cwd=self.home))
         for place in PLACES["user"][:2]:
             self.assertEqual(stat.S_IMODE((self.home / place).stat().st_mode), 0o700)
+
+    def test_is_repaired_at_the_start_from_the_menu(self):
+        self.install()
+        product = self.home / ".brindle/Brindle"
+        program, style = product / "bin/brindle-ui", product / "Resource/brindle-gtk.css"
+        shutil.rmtree(product / "Resource/locale")
+        style.write_text("changed")
+        program.unlink()
+        with self.assertRaises(AssertionError) as failed:  # the companion has no display
+            self.install("--run")
+        self.assertIn("cannot open display", str(failed.exception))
+        self.assertEqual(self.files() - {".brindle/Brindle/Logs/ui.log"},
+                         self.expected() | {".brindle/Brindle/brindle-ui.sha256"})
+        for path in (program, style):
+            self.assertEqual(path.read_bytes(), (self.skeleton / path.relative_to(self.home)).read_bytes())
+
+    def test_is_left_alone_at_the_start_when_nothing_differs(self):
+        self.install()
+        program = self.home / ".brindle/Brindle/bin/brindle-ui"
+        before = program.stat().st_ino
+        with self.assertRaises(AssertionError):
+            self.install("--run")
+        self.assertEqual(program.stat().st_ino, before)
 
     def test_is_brought_up_to_date(self):
         former = self.skeleton / ".brindle/Brindle/Resource/former.png"
