@@ -39,15 +39,26 @@ public:
     LogLock &operator=(const LogLock &) = delete;
 };
 
+/// True for what a terminal obeys instead of showing it. Line breaks are texts' own.
+bool isCommand(gunichar character)
+{
+    return g_unichar_iscntrl(character) && character != '\n' && character != '\t';
+}
+
+/// The message as text that only says something: invalid bytes and control characters are replaced.
 G_GNUC_PRINTF(1, 0) void writeMessage(const char *format, va_list arguments)
 {
     g_autofree char *message = g_strdup_vprintf(format, arguments);
-    if (g_utf8_validate(message, -1, nullptr)) {
-        fputs(message, log);
-        return;
-    }
     g_autofree char *repaired = g_utf8_make_valid(message, -1);
-    fputs(repaired, log);
+    const char *written = repaired;
+    for (const char *at = repaired; *at; at = g_utf8_next_char(at)) {
+        if (!isCommand(g_utf8_get_char(at)))
+            continue;
+        fwrite(written, 1, size_t(at - written), log);
+        fputs("\uFFFD", log);
+        written = g_utf8_next_char(at);
+    }
+    fputs(written, log);
 }
 
 off_t sizeOf(FILE *stream)

@@ -28,7 +28,8 @@ int GetRotationCount(const char *directory, const char *fileName, int maxFiles);
 /// @param level     a `LogLevel`; anything outside the table is logged as the nearest level
 /// @param line      the caller's source line; not written
 /// @param function  the caller's name; borrowed
-/// @param format    printf format; text that isn't valid UTF-8 once formatted is repaired
+/// @param format    printf format; bytes of the message that aren't UTF-8, and control characters that are neither
+///                  line breaks nor tabs, are replaced
 /// Thread: any; lines never interleave. Silent when the log is closed.
 void log_print(int level, int line, const char *function, const char *format, ...) G_GNUC_PRINTF(4, 5);
 

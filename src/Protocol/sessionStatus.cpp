@@ -4,6 +4,7 @@
 #include "src/Protocol/messageHandler.h"
 
 #include "Logger/logger.h"
+#include "src/Dialog/dialogText.h"
 #include "src/IdleThread/IdleThread.h"
 #include "src/support.h"
 
@@ -53,7 +54,8 @@ OwnedText readTechnicianName(const Report &report)
     if (g_strv_length(const_cast<char **>(report.fields)) != fieldCount)
         return nullptr;
     OwnedText name = unescape_text(report.field(2));
-    UI_INFO_AS("handleSessionStatusMessage", "received techincian name %s ", name ? name.get() : "(null)");
+    UI_INFO_AS("handleSessionStatusMessage", "received techincian name %s ",
+               name ? plainName(name.get()).get() : "(null)");
     return name;
 }
 

@@ -25,13 +25,6 @@ protected:
         WindowSession::SetUp();
         newMessages();
     }
-    std::vector<std::string> newMessages()
-    {
-        std::vector<std::string> all = logMessages();
-        all.erase(all.begin(), all.begin() + long(m_logged));
-        m_logged += all.size();
-        return all;
-    }
     /// Handles lines on a worker, one after the other; their callbacks wait for the main loop.
     void handle(const std::vector<std::string> &lines)
     {
@@ -49,9 +42,6 @@ protected:
     std::string status() const { return shownText(mainWindow->statusLabel); }
     const Expander &mailbox() const { return *mainWindow->participants; }
     size_t rows() const { return childrenOf(mainWindow->participantsExpander->expanderContent).size() - 1; }
-
-private:
-    size_t m_logged = 0;
 };
 
 struct Permission {
@@ -177,6 +167,15 @@ TEST_F(SessionStatus, ANameOfStrangeBytesIsShownRepaired)
 {
     receive({"sessionStatus TECH-NAME %FF%3Cb%3E%25s"});
     EXPECT_EQ(status(), "\uFFFD<b>%s");
+}
+
+TEST_F(SessionStatus, ANameForgesNoLineOfTheLog)
+{
+    receive({"sessionStatus TECH-NAME Bob%0A2026/11/21%2012:00:00%20%3CINFO%3E%20[f]:%20forged%1B[2J"});
+    EXPECT_THAT(newMessages(), ElementsAre("Tech name is Null ",
+                                           "received techincian name Bob\uFFFD2026/11/21 12:00:00 <INFO> [f]: "
+                                           "forged\uFFFD[2J ",
+                                           "button state 1"));
 }
 
 TEST_F(SessionStatus, AParticipantsLineFillsTheMailbox)

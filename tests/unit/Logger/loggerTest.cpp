@@ -105,6 +105,12 @@ TEST_F(Log, BytesThatAreNoTextAreRepairedNotDropped)
     EXPECT_TRUE(g_utf8_validate(content().c_str(), -1, nullptr));
 }
 
+TEST_F(Log, CommandsToATerminalAreReplaced)
+{
+    log_print(levelInfo, 1, "f", "name %s!", "a\x1B[2J\rb\x7F\u009Bc\td");
+    EXPECT_THAT(content(), ::testing::EndsWith("name a\uFFFD[2J\uFFFDb\uFFFD\uFFFDc\td!\n"));
+}
+
 TEST_F(Log, AMissingTextIsShownAsNull)
 {
     const char *const missing = nullptr;
