@@ -41,8 +41,7 @@ void show_audio_video_recive(MainWindow *mainwindow, const char *)
     closeAfter(dialog, invitationMs);
     UI_INFO("Prompting dialog box");
     centreDialog(dialog);
-    focusRefusal(dialog);
-    gtk_widget_show_all(dialog);
+    showOnRefusal(dialog);
     connect_signal(dialog, "destroy", on_response_AudioVideo, mainwindow);
     connect_signal(dialog, "delete-event", on_response_delete_AudioVideo, mainwindow);
     connect_signal(dialog, "response", response_AudioVideo, mainwindow);

@@ -35,8 +35,7 @@ void show_clipboardPermission_dialog(MainWindow *mainwindow, const char *text)
     reportPosition(dialog, kind);
     connect_signal(dialog, "response", on_response_clipboardPermission, mainwindow);
     connect_signal(dialog, "destroy", on_destroy_clipboardPermission, mainwindow);
-    focusRefusal(dialog); // what grants less, for who is typing
-    gtk_widget_show_all(dialog);
+    showOnRefusal(dialog, GTK_RESPONSE_CANCEL); // no button refuses: "Allow once" grants, too
 }
 
 void on_response_clipboardPermission(GtkDialog *dialog, int response, MainWindow *mainwindow)

@@ -92,11 +92,10 @@ gboolean show_userconfirmation_dialog(MainWindow *mainwindow)
     const Question &question = findQuestion(QuestionId::joinSession);
     if (!claimKind(mainwindow, question.kind, __func__))
         return FALSE;
-    const OwnedText text = joinText(mainwindow);
-    GtkWidget *dialog = buildQuestion(question, mainwindow, text.get());
-    GtkWidget *label = findLabel(dialog);
-    if (const OwnedText markup = plainMarkup(text.get()))
-        gtk_label_set_markup_with_mnemonic(GTK_LABEL(label), markup.get());
+    const JoinText text = readMarkup(joinText(mainwindow).get());
+    GtkWidget *dialog = buildQuestion(question, mainwindow, text.words.get());
+    if (text.markup)
+        gtk_label_set_markup_with_mnemonic(GTK_LABEL(findLabel(dialog)), text.markup.get());
     connect_signal(dialog, "response", on_response, mainwindow);
     showQuestion(dialog, question, mainwindow, question.kind);
     return FALSE;

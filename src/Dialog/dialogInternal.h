@@ -12,13 +12,14 @@ GtkWidget *addAnswer(GtkWidget *dialog, const char *label, int response);
 /// Adds the button that agrees, named for the style sheet.
 GtkWidget *addAcceptAnswer(GtkWidget *dialog, const char *label, int response);
 
-/// Adds the text of the question: wrapped, lifted, in a scrolled area when it is long. What is too long to be read
-/// whole is cut. Nobody agrees to what can't be read: for a cut or empty text the agreeing button is insensitive.
-/// @return the label.
+/// Makes the text of a question, wrapped. What is too long to be read whole is cut. Nobody agrees to what can't be
+/// read: for a cut or empty text the agreeing button is insensitive. @return the label, in no container yet.
+GtkWidget *newAskingLabel(GtkWidget *dialog, const char *text, int acceptResponse);
+/// Adds the text of a question, lifted, in a scrolled area when it is long. @return the label.
 GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptResponse);
-/// The label itself, or a scrolled area around one whose text is long.
+/// The label itself, or a scrolled area around one whose text is long or high.
 GtkWidget *scrolledWhenLong(GtkWidget *label);
-/// Makes a label wrap, wide enough for a readable shape; words that are longer than a line are broken.
+/// Makes a label wrap, wide enough for a readable shape; a word that is longer than a line is broken.
 void wrapLabel(GtkWidget *label);
 
 /// Centres the dialog on the screen.
@@ -30,8 +31,9 @@ void guardFromKeyboard(GtkWidget *dialog, MainWindow *mainwindow);
 
 /// Has every change of place and size reported to the agent. @param key the dialog's kind; copied.
 void reportPosition(GtkWidget *dialog, const char *key);
-/// Gives the focus to the button that refuses: a question may come while the customer types. Before it is shown.
-void focusRefusal(GtkWidget *dialog);
+/// Shows a question with the focus on the button that refuses, since it may come while the customer types; without such
+/// a button on nothing, until Tab is pressed. @param refusingResponse the button's
+void showOnRefusal(GtkWidget *dialog, int refusingResponse = GTK_RESPONSE_REJECT);
 
 /// Adds the structure events to the main window, unless it has gone.
 void listenToStructure(const MainWindow *mainwindow);

@@ -20,6 +20,8 @@ namespace
 constexpr int defaultWidthPx = 360;
 constexpr int liftPangoUnits = 10000;
 constexpr int scrolledHeightPx = 400, scrolledMinimumPx = 120;
+/// Higher texts scroll: with its buttons and its frame a question fits a screen of 768 px.
+constexpr int unscrolledHeightPx = 560;
 /// Characters in a line: a longer one is wrapped, a text isn't wrapped into shorter ones.
 constexpr int longestLineCharacters = 70, narrowLineCharacters = 32;
 
@@ -37,6 +39,16 @@ void takeFocusAway(GtkWidget *widget)
     if (GTK_IS_CONTAINER(widget))
         gtk_container_forall(
             GTK_CONTAINER(widget), [](GtkWidget *child, gpointer) { takeFocusAway(child); }, nullptr);
+}
+
+/// Letters of some scripts, and boxes for letters that no font has, are much wider or higher than others.
+int heightAtNarrowest(GtkWidget *label)
+{
+    int width = 0, height = 0;
+    gtk_widget_show(label); // a hidden one has no size
+    gtk_widget_get_preferred_width(label, &width, nullptr);
+    gtk_widget_get_preferred_height_for_width(label, width, nullptr, &height);
+    return height;
 }
 
 gboolean closeByTime(GtkWidget *dialog)
@@ -85,8 +97,7 @@ void wrapLabel(GtkWidget *label)
 {
     const char *text = gtk_label_get_text(GTK_LABEL(label));
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label),
-                                 measureLongestWord(text) > lineLongWord ? PANGO_WRAP_WORD_CHAR : PANGO_WRAP_WORD);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
     // Without these a long text makes a dialog wider than the screen, and a resizable dialog leaves room for a text
     // of one word a line.
     gtk_label_set_max_width_chars(GTK_LABEL(label), longestLineCharacters);
@@ -95,7 +106,8 @@ void wrapLabel(GtkWidget *label)
 
 GtkWidget *scrolledWhenLong(GtkWidget *label)
 {
-    if (measureTextRoom(gtk_label_get_text(GTK_LABEL(label))) <= scrolledTextRoom)
+    const bool takesMuchRoom = measureTextRoom(gtk_label_get_text(GTK_LABEL(label))) > scrolledTextRoom;
+    if (!takesMuchRoom && heightAtNarrowest(label) <= unscrolledHeightPx)
         return label;
     GtkWidget *area = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(area), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
@@ -106,21 +118,27 @@ GtkWidget *scrolledWhenLong(GtkWidget *label)
     return area;
 }
 
-GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptResponse)
+GtkWidget *newAskingLabel(GtkWidget *dialog, const char *text, int acceptResponse)
 {
     bool wasCut = false;
     const OwnedText shown = cutToReadable(text, &wasCut);
     GtkWidget *label = gtk_label_new(shown.get());
-    gtk_widget_set_name(label, "dialogboxlabel");
     wrapLabel(label);
+    if (wasCut || !hasVisibleText(shown.get()))
+        gtk_dialog_set_response_sensitive(GTK_DIALOG(dialog), acceptResponse, FALSE);
+    return label;
+}
+
+GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptResponse)
+{
+    GtkWidget *label = newAskingLabel(dialog, text, acceptResponse);
+    gtk_widget_set_name(label, "dialogboxlabel");
     PangoAttrList *attributes = getPangoLineAttr(liftPangoUnits);
     gtk_label_set_attributes(GTK_LABEL(label), attributes);
     pango_attr_list_unref(attributes);
 
     GtkWidget *content = gtk_dialog_get_content_area(GTK_DIALOG(dialog));
     gtk_container_add(GTK_CONTAINER(content), scrolledWhenLong(label));
-    if (wasCut || !hasVisibleText(shown.get()))
-        gtk_dialog_set_response_sensitive(GTK_DIALOG(dialog), acceptResponse, FALSE);
     return label;
 }
 
@@ -176,10 +194,14 @@ void guardFromKeyboard(GtkWidget *dialog, MainWindow *mainwindow)
         takeFocusAway(dialog);
 }
 
-void focusRefusal(GtkWidget *dialog)
+void showOnRefusal(GtkWidget *dialog, int refusingResponse)
 {
-    if (GtkWidget *const refusal = gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_REJECT))
+    GtkWidget *const refusal = gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), refusingResponse);
+    if (refusal)
         gtk_widget_grab_focus(refusal);
+    gtk_widget_show_all(dialog);
+    if (!refusal)
+        gtk_window_set_focus(GTK_WINDOW(dialog), nullptr);
 }
 
 void reportPosition(GtkWidget *dialog, const char *key)

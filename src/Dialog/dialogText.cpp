@@ -2,10 +2,13 @@
 
 #include "src/Dialog/dialogText.h"
 
+#include <pango/pango.h>
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <span>
+#include <vector>
 
 namespace
 {
@@ -13,6 +16,9 @@ namespace
 constexpr int lineBreakRoom = 40;
 /// A word gets a place to break after so many characters.
 constexpr int unbrokenCharacters = 500;
+/// Letters, signs and marks that no line may end between hold together for so many characters: the longest sign that
+/// is one picture has fewer.
+constexpr int heldCharacters = 16;
 constexpr char invisibleBreak[] = "\u200B";
 constexpr int firstFileField = 2;
 constexpr gunichar replacementCharacter = 0xfffd;
@@ -33,7 +39,9 @@ bool endsLine(gunichar character)
 
 int roomOf(gunichar character)
 {
-    return endsLine(character) ? lineBreakRoom : 1;
+    if (endsLine(character))
+        return lineBreakRoom;
+    return g_unichar_iswide(character) ? 2 : 1;
 }
 
 /// Letters and signs by their kind that look like blanks: fillers and the empty braille cell.
@@ -41,48 +49,83 @@ constexpr gunichar blankLooking[] = {0x115f, 0x1160, 0x2800, 0x3164, 0xffa0};
 
 bool isVisible(gunichar character)
 {
-    return g_unichar_isgraph(character) && !g_unichar_iszerowidth(character) &&
+    return g_unichar_isgraph(character) && !g_unichar_iszerowidth(character) && character != replacementCharacter &&
            std::ranges::find(blankLooking, character) == std::end(blankLooking);
+}
+
+/// True for the invisible marks that turn the direction of what stands beside them. A name or a question in a script
+/// that runs from right to left needs none of them: its letters say so.
+bool turnsDirection(gunichar character)
+{
+    return character == 0x061c || character == 0x200e || character == 0x200f ||
+           (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069);
 }
 
 /// True for what would make a name look like another one: line breaks and other controls, and turns of direction.
 bool disguises(gunichar character)
 {
-    return g_unichar_iscntrl(character) || endsLine(character) || (character >= 0x202a && character <= 0x202e) ||
-           (character >= 0x2066 && character <= 0x2069);
+    return g_unichar_iscntrl(character) || endsLine(character) || turnsDirection(character);
 }
 
-// -------------------------------------------------------------------------------------- markup without links
+/// What stands for a character of a question: a tab is as wide as a stop is far away, a turn of direction shuffles the
+/// words around it.
+gunichar readableCharacter(gunichar character)
+{
+    if (character == '\t')
+        return ' ';
+    return turnsDirection(character) ? replacementCharacter : character;
+}
 
-/// Of these only the words are copied: links, what shrinks or blows words up, and the root that the copy gets again.
-constexpr const char *leftOutElements[] = {"a", "big", "markup", "small", "sub", "sup"};
-/// These can hide words or blow them up.
-constexpr const char *leftOutAttributes[] = {
-    "alpha",       "background",     "background_alpha", "baseline_shift", "bgalpha",      "bgcolor",
-    "color",       "face",           "fgalpha",          "fgcolor",        "font",         "font_desc",
-    "font_family", "font_features",  "font_scale",       "font_size",      "font_stretch", "foreground",
-    "gravity",     "letter_spacing", "line_height",      "rise",           "scale",        "size",
-    "stretch"};
+/// For each character whether a line may end before it, at the worst.
+std::vector<PangoLogAttr> findBreaks(const char *text)
+{
+    std::vector<PangoLogAttr> breaks(gsize(g_utf8_strlen(text, -1)) + 1);
+    pango_get_log_attrs(text, -1, -1, pango_language_get_default(), breaks.data(), int(breaks.size()));
+    return breaks;
+}
+
+/// The text with invisible places to break in very long words and between letters that hold together without end.
+OwnedText addBreaks(const char *text)
+{
+    const std::vector<PangoLogAttr> breaks = findBreaks(text);
+    GString *const broken = g_string_new(nullptr);
+    int wordLength = 0, heldLength = 0;
+    gsize index = 0;
+    for (const char *at = text; *at; at = g_utf8_next_char(at), index++) {
+        const gunichar character = g_utf8_get_char(at);
+        heldLength = breaks[index].is_char_break ? 1 : heldLength + 1;
+        if (heldLength > heldCharacters) {
+            g_string_append(broken, invisibleBreak);
+            heldLength = 1;
+        }
+        g_string_append_unichar(broken, character);
+        wordLength = g_unichar_isspace(character) ? 0 : wordLength + 1;
+        if (wordLength > 0 && wordLength % unbrokenCharacters == 0)
+            g_string_append(broken, invisibleBreak);
+    }
+    return OwnedText(g_string_free(broken, FALSE));
+}
+
+// ------------------------------------------------------------------------------------------ markup of few words
+
+/// What may be done to words; of every other element only the words are copied.
+constexpr const char *plainElements[] = {"b", "i", "span", "u"};
+constexpr const char *plainAttributes[] = {"style", "underline", "weight"};
 
 bool isOneOf(std::span<const char *const> names, const char *name)
 {
     return std::ranges::any_of(names, [name](const char *each) { return strcmp(each, name) == 0; });
 }
 
-bool isLeftOut(const char *element)
-{
-    return isOneOf(leftOutElements, element);
-}
-
 void copyStart(GMarkupParseContext *, const char *element, const char **names, const char **values, gpointer copy,
                GError **)
 {
-    if (isLeftOut(element))
+    if (!isOneOf(plainElements, element))
         return;
     auto *text = static_cast<GString *>(copy);
     g_string_append_printf(text, "<%s", element);
     for (guint i = 0; names[i]; i++) {
-        if (isOneOf(leftOutAttributes, names[i]))
+        if (!isOneOf(plainAttributes, names[i]))
             continue;
         g_autofree char *value = g_markup_escape_text(values[i], -1);
         g_string_append_printf(text, " %s=\"%s\"", names[i], value);
@@ -92,18 +135,21 @@ void copyStart(GMarkupParseContext *, const char *element, const char **names, c
 
 void copyEnd(GMarkupParseContext *, const char *element, gpointer copy, GError **)
 {
-    if (!isLeftOut(element))
+    if (isOneOf(plainElements, element))
         g_string_append_printf(static_cast<GString *>(copy), "</%s>", element);
 }
 
 void copyText(GMarkupParseContext *, const char *text, gsize length, gpointer copy, GError **)
 {
-    g_autofree char *escaped = g_markup_escape_text(text, gssize(length));
+    g_autoptr(GString) readable = g_string_new(nullptr);
+    for (const char *at = text; at < text + length; at = g_utf8_next_char(at))
+        g_string_append_unichar(readable, readableCharacter(g_utf8_get_char(at)));
+    g_autofree char *escaped = g_markup_escape_text(readable->str, gssize(readable->len));
     g_string_append(static_cast<GString *>(copy), escaped);
 }
 
-/// The markup without its links, or null when it isn't well formed.
-OwnedText copyWithoutLinks(const char *text)
+/// The markup with nothing in it but plain elements and words, or null when it isn't well formed.
+OwnedText copyPlainMarkup(const char *text)
 {
     static constexpr GMarkupParser copier = {copyStart, copyEnd, copyText, nullptr, nullptr};
     g_autoptr(GString) copy = g_string_new(nullptr);
@@ -145,22 +191,18 @@ OwnedText cutToReadable(const char *text, bool *wasCut)
     const OwnedText whole = displayable_text(text);
     g_autoptr(GString) shown = g_string_new(nullptr);
     int room = 0;
-    int wordLength = 0;
     const char *at = whole.get();
     for (; *at; at = g_utf8_next_char(at)) {
         const gunichar character = g_utf8_get_char(at);
         room += roomOf(character);
         if (room > readableTextRoom)
             break;
-        g_string_append_unichar(shown, character);
-        wordLength = g_unichar_isspace(character) ? 0 : wordLength + 1;
-        if (wordLength > 0 && wordLength % unbrokenCharacters == 0)
-            g_string_append(shown, invisibleBreak);
+        g_string_append_unichar(shown, readableCharacter(character));
     }
     *wasCut = *at != '\0';
     if (*wasCut)
         g_string_append(shown, "…");
-    return OwnedText(g_strdup(shown->str));
+    return addBreaks(shown->str);
 }
 
 int measureLongestLine(const char *text)
@@ -172,26 +214,21 @@ int measureLongestLine(const char *text)
     return int(longest);
 }
 
-int measureLongestWord(const char *text)
+JoinText readMarkup(const char *text)
 {
-    int longest = 0;
-    int length = 0;
-    for (const char *at = text; *at; at = g_utf8_next_char(at)) {
-        length = g_unichar_isspace(g_utf8_get_char(at)) ? 0 : length + 1;
-        longest = MAX(longest, length);
-    }
-    return longest;
-}
-
-OwnedText plainMarkup(const char *text)
-{
+    JoinText read = {displayable_text(text), nullptr};
     if (measureTextRoom(text) > readableTextRoom)
-        return nullptr;
-    OwnedText markup = copyWithoutLinks(text);
-    g_autofree char *words = nullptr;
+        return read;
+    OwnedText markup = copyPlainMarkup(read.words.get());
+    char *words = nullptr;
     if (!markup || !pango_parse_markup(markup.get(), -1, '_', nullptr, &words, nullptr, nullptr))
-        return nullptr;
-    return hasVisibleText(words) && measureLongestWord(words) <= unbrokenCharacters ? std::move(markup) : nullptr;
+        return read;
+    read.words.reset(words);
+    bool wasCut = false;
+    // Words that have to be cut or broken are shown without their style.
+    if (hasVisibleText(words) && strcmp(cutToReadable(words, &wasCut).get(), words) == 0)
+        read.markup = std::move(markup);
+    return read;
 }
 
 OwnedText plainName(const char *name)

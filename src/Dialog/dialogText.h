@@ -3,25 +3,26 @@
 
 #include "src/support.h"
 
-/// Room from which a text is put into a scrolled area, about a dozen lines of a narrow dialog: with the raised
-/// lines of a question that still fits a small screen.
+/// Room from which a text is put into a scrolled area in any case, about a dozen lines of a narrow dialog.
 inline constexpr int scrolledTextRoom = 600;
 /// Room that a question may take at most; the rest is cut.
 inline constexpr int readableTextRoom = 16000;
 
-/// How much room a text takes: one for each character, a line's worth for each line break; never more than one past
-/// `readableTextRoom`, however long the text is.
+/// How much room a text takes: one for each character, two for a wide one, a line's worth for each line break; never
+/// more than one past `readableTextRoom`, however long the text is.
 int measureTextRoom(const char *text);
 
 /// The text of a base64 field, which may be null: decoded, cut at a NUL byte, repaired where it isn't UTF-8; never
 /// null.
 OwnedText decodeQuestion(const char *base64);
 
-/// True when there is something to read in a text: not only blanks, controls and characters without width.
+/// True when there is something to read in a text: not only blanks, controls, characters without width and what
+/// stands for characters that can't be shown.
 bool hasVisibleText(const char *text);
 
-/// A text that can be read whole, or its beginning and an ellipsis. Very long words get invisible places to break,
-/// which also keeps their layout from taking seconds. @param wasCut set, never null.
+/// A text that can be read whole, or its beginning and an ellipsis. Tabs are blanks, turns of direction are
+/// replacement characters. Very long words and heaps of marks get invisible places to break, which also keeps their
+/// layout from taking seconds. @param wasCut set, never null.
 OwnedText cutToReadable(const char *text, bool *wasCut);
 
 /// A name as it reads: valid UTF-8 in which controls, line breaks and turns of direction stand as replacement
@@ -31,14 +32,14 @@ OwnedText plainName(const char *name);
 /// Characters of the longest line of a text.
 int measureLongestLine(const char *text);
 
-/// Characters of the longest word of a text.
-int measureLongestWord(const char *text);
-/// A word of more characters is longer than a line.
-inline constexpr int lineLongWord = 40;
+/// A text that may be markup with mnemonics.
+struct JoinText {
+    OwnedText words;  ///< what it shows once parsed, or the text itself when it isn't markup or takes too much room
+    OwnedText markup; ///< bold, italic and underlined words as a label can show them; null: shown plain
+};
 
-/// Markup with mnemonics as a label can show it: links are taken out, their words stay.
-/// @return null when the text isn't markup, takes too much room, has a very long word, or shows nothing to read
-OwnedText plainMarkup(const char *text);
+/// Reads markup: of all but `b`, `i`, `u` and `span` with style, weight and underline only the words stay.
+JoinText readMarkup(const char *text);
 
 /// The offered files as a sentence: "File Name:  a, b.", or "." without a file.
 /// @param line  the agent's prompt with the escaped names from field 2 on; may be null

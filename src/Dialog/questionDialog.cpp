@@ -16,6 +16,11 @@ namespace
 constexpr char kindKey[] = "question-kind";
 constexpr char argumentKey[] = "question-argument";
 
+bool has(const Question &question, Trait trait)
+{
+    return (question.traits & trait) != 0;
+}
+
 const char *titleOf(const Question &question, const MainWindow *mainwindow)
 {
     switch (question.title) {
@@ -31,7 +36,7 @@ const char *titleOf(const Question &question, const MainWindow *mainwindow)
 
 const char *labelOf(const Question &question, const char *label)
 {
-    return question.traits & translatesLabels ? getString(label) : label;
+    return has(question, translatesLabels) ? getString(label) : label;
 }
 
 GtkWidget *buildByHand(const Question &question, const MainWindow *mainwindow, const char *text)
@@ -41,13 +46,8 @@ GtkWidget *buildByHand(const Question &question, const MainWindow *mainwindow, c
     if (question.rejectLabel)
         addAnswer(dialog, labelOf(question, question.rejectLabel), GTK_RESPONSE_REJECT);
     addQuestionLabel(dialog, text, question.acceptResponse);
-    gtk_window_set_resizable(GTK_WINDOW(dialog), (question.traits & resizable) != 0);
+    gtk_window_set_resizable(GTK_WINDOW(dialog), has(question, resizable));
     return dialog;
-}
-
-bool has(const Question &question, Trait trait)
-{
-    return (question.traits & trait) != 0;
 }
 
 OwnedText copyOfData(GtkDialog *dialog, const char *key)
@@ -112,11 +112,12 @@ void showQuestion(GtkWidget *dialog, const Question &question, MainWindow *mainw
         listenToStructure(mainwindow);
     if (has(question, guarded))
         guardFromKeyboard(dialog, mainwindow);
-    if (!has(question, askedByCustomer))
-        focusRefusal(dialog);
     if (has(question, reportsPosition))
         reportPosition(dialog, kind);
-    gtk_widget_show_all(dialog);
+    if (has(question, askedByCustomer))
+        gtk_widget_show_all(dialog);
+    else
+        showOnRefusal(dialog);
     if (has(question, presentsItself))
         gtk_window_present(GTK_WINDOW(dialog));
 }

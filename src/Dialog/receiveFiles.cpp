@@ -79,14 +79,6 @@ DialogWindow *newDialogWindow(MainWindow *mainwindow)
     return window;
 }
 
-GtkWidget *newFileLabel(const char *line)
-{
-    bool wasCut = false; // the names are for reading only; the agent knows the files
-    GtkWidget *label = gtk_label_new(cutToReadable(listOfferedFiles(line).get(), &wasCut).get());
-    wrapLabel(label);
-    return label;
-}
-
 GtkWidget *newFolderRow(DialogWindow *window)
 {
     GtkWidget *row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, rowSpacingPx);
@@ -98,14 +90,14 @@ GtkWidget *newFolderRow(DialogWindow *window)
     return row;
 }
 
-GtkWidget *newReceiveContent(DialogWindow *window, const char *line)
+GtkWidget *newReceiveContent(DialogWindow *window, GtkWidget *list)
 {
     GtkWidget *bar = window->infobarStruct->infoBar;
     gtk_container_add(GTK_CONTAINER(gtk_info_bar_get_content_area(GTK_INFO_BAR(bar))),
                       window->infobarStruct->infoBarLabel);
     GtkWidget *box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     gtk_widget_set_name(box, "receiveBox");
-    gtk_box_pack_start(GTK_BOX(box), scrolledWhenLong(newFileLabel(line)), TRUE, TRUE, labelPaddingPx);
+    gtk_box_pack_start(GTK_BOX(box), scrolledWhenLong(list), TRUE, TRUE, labelPaddingPx);
     gtk_box_pack_end(GTK_BOX(box), newFolderRow(window), FALSE, FALSE, rowPaddingPx);
     GtkWidget *outerBox = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     gtk_container_add(GTK_CONTAINER(outerBox), bar);
@@ -166,11 +158,11 @@ gboolean show_dialog_filetransfer(MainWindow *mainwindow)
     const OwnedText line = takeText(&mainwindow->mutex, mainwindow->tempFT);
     GtkWidget *dialog = newReceiveDialog();
     FtReceiveDialog = dialog;
-    gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(dialog))),
-                      newReceiveContent(window, line.get()));
+    GtkWidget *list = newAskingLabel(dialog, listOfferedFiles(line.get()).get(), saveResponse);
+    gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(dialog))), newReceiveContent(window, list));
     setFolder(window, chooseDownloadFolder().get());
     UI_INFO("Download path is %s", window->Path);
-    gtk_widget_show_all(dialog);
+    showOnRefusal(dialog, GTK_RESPONSE_NONE);
     gtk_widget_hide(window->infobarStruct->infoBar);
     moveToCorner(dialog); // only now its size is known
     connect_signal(dialog, "response", on_response_filetransfer, window);

@@ -20,25 +20,25 @@ class Question(NamedTuple):
     line: str
     name: str       # under which it is announced
     controls: list  # role and name, in the order of reading
-    focus: str      # where keys answer
+    focus: str      # where keys answer; None: on nothing, since no button refuses
     guarded: bool = False
 
 
 QUESTIONS = [
     Question("dialogPrompt runAsService", "Brindle", buttons("Yes", "No"), "No", guarded=True),
     Question("dialogPrompt launchScript a.sh", "Allow remote script execution?", buttons("Allow", "Deny"), "Deny"),
-    Question(CONSENT, "Brindle", [REMEMBER, *buttons("Yes")], "Remember this option", guarded=True),
+    Question(CONSENT, "Brindle", [REMEMBER, *buttons("Yes")], None, guarded=True),
     Question("dialogPrompt initswap Bob", "Requesting (null) to share screen", buttons("Cancel"), "Cancel",
              guarded=True),
     Question("dialogPrompt command 41", "Brindle", buttons("Yes", "No"), "No"),
     Question("dialogPrompt fileTransferReceive a.txt", "Receive File", buttons("Change Path", "Cancel", "Save"),
-             "Change Path"),
+             "Cancel"),
     Question("dialogPrompt acall", "Video/Voice call", buttons("Accept", "Reject"), "Reject"),
     Question("dialogPrompt vcall", "Video/Voice call", buttons("Accept", "Reject"), "Reject"),
     Question("dialogPrompt rebootPc", "Reboot PC", buttons("Yes", "No"), "No"),
     Question("dialogPrompt configureURS 7", "Brindle", buttons("Yes", "No"), "No"),
     Question("dialogPrompt lockuser", "Lock screen", buttons("Yes", "No"), "No"),
-    Question("clipboard", "Clipboard Permission", buttons("Allow always", "Allow once"), "Allow once", guarded=True),
+    Question("clipboard", "Clipboard Permission", buttons("Allow always", "Allow once"), None, guarded=True),
     Question(f"dialogPrompt samecon {encoded('Join us?')}", "Brindle", buttons("Join", "Cancel"), "Cancel"),  # ends it
 ]
 CONTROLS = {role for question in QUESTIONS for role, _ in question.controls} | {"toggle button", "text", "link"}
@@ -74,8 +74,32 @@ class AQuestion(PromptCase):
         self.assertEqual(self.session.wait(), 0)
         self.assertEqual(self.session.warnings(), [])
 
-    def test_begins_on_the_same_control_each_time_where_keys_answer(self):
+    def test_begins_on_what_refuses_where_keys_answer(self):
         self.every_question("ras", lambda question: question.focus, lambda question: True)
+
+    def test_without_a_refusing_button_begins_on_nothing_and_gives_its_controls_to_tab(self):
+        self.begin("ras", speed=1)
+        for line, last in ((CONSENT, "Yes"), ("clipboard", "Allow once")):
+            with self.subTest(line):
+                dialog = self.ask(line)
+                self.mark()
+                self.press_key(dialog, "space", "Return", "KP_Enter")
+                self.session.settled()
+                self.assertEqual(self.heard(), [])
+                self.assertIsNone(dialog.focused())
+                self.goes_to(dialog, last)
+                self.press_key(dialog, "Escape")
+                self.gone(dialog)
+        self.assertEqual(self.session.warnings(), [])
+
+    def goes_to(self, dialog, name):
+        for _ in dialog.shown_in("push button") + dialog.shown_in("check box"):
+            before = dialog.focused()
+            self.press_key(dialog, "Tab")
+            until(lambda: dialog.focused() not in (None, before), f"the keyboard leaves {before!r}")
+            if dialog.focused() == name:
+                return
+        self.fail(f"Tab never reaches {name!r}")
 
     def test_gives_no_control_to_the_keyboard_where_only_the_pointer_answers(self):
         self.every_question("normal", lambda question: None if question.guarded else question.focus,

@@ -32,8 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     g_autofree char *base64 = g_base64_encode(data, size);
     for (const std::string &field : {std::string(base64), textOf(data, size)}) {
         const OwnedText question = decodeQuestion(field.c_str());
-        if (const OwnedText markup = plainMarkup(question.get()))
-            showMarkup(GTK_LABEL(label), markup.get());
+        if (const JoinText text = readMarkup(question.get()); text.markup)
+            showMarkup(GTK_LABEL(label), text.markup.get());
         bool wasCut = false;
         gtk_label_set_text(GTK_LABEL(label), cutToReadable(question.get(), &wasCut).get());
     }

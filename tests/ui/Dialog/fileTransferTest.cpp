@@ -300,3 +300,21 @@ TEST_F(FileTransfer, LongOfferStaysOnTheScreen)
     EXPECT_LT(place.height, 700);
     EXPECT_LT(place.width, 700);
 }
+
+TEST_F(FileTransfer, AnOfferThatIsNotShownWholeIsNotSaved)
+{
+    const auto names = [](int count) {
+        std::string all;
+        for (int i = 0; i < count; i++)
+            all += " file" + std::to_string(i) + ".txt";
+        return all;
+    };
+    EXPECT_TRUE(gtk_widget_get_sensitive(findButton(offer(names(1000)), "Save"))) << "its list scrolls";
+    EXPECT_FALSE(gtk_widget_get_sensitive(findButton(offer(names(3000)), "Save")));
+}
+
+TEST_F(FileTransfer, WhoeverIsTypingDoesNotSave)
+{
+    GtkWidget *const dialog = offer(" a.txt");
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), findButton(dialog, "Cancel"));
+}

@@ -68,6 +68,16 @@ TEST_F(PromptTest, JoinMessageWithoutWordsCanNotBeAccepted)
     EXPECT_FALSE(gtk_widget_get_sensitive(gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT)));
 }
 
+TEST_F(PromptTest, JoinMessageIsMeasuredAsItIsShown)
+{
+    std::string references;
+    for (int i = 0; i < 3000; i++)
+        references += "&#10;";
+    GtkWidget *const dialog = open("samecon " + encoded("<b>Join?</b>" + references + "and pay"));
+    EXPECT_THAT(textOf(dialog), ::testing::StartsWith("Join?\n"));
+    EXPECT_FALSE(gtk_widget_get_sensitive(gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT)));
+}
+
 TEST_F(PromptTest, WhoeverIsTypingDoesNotAgree)
 {
     for (const char *const prompt : {"launchScript clean.sh", "configureURS 9", "rebootPc", "lockuser"}) {

@@ -17,8 +17,21 @@ std::string decoded(const char *base64)
 
 std::string markup(const char *text)
 {
-    const OwnedText result = plainMarkup(text);
-    return result ? result.get() : "(plain)";
+    const JoinText read = readMarkup(text);
+    return read.markup ? read.markup.get() : "(plain)";
+}
+
+std::string words(const char *text)
+{
+    return readMarkup(text).words.get();
+}
+
+std::string repeated(const char *text, int count)
+{
+    std::string all;
+    for (int i = 0; i < count; i++)
+        all += text;
+    return all;
 }
 
 std::string offered(const char *line)
@@ -49,7 +62,8 @@ TEST(QuestionText, BlanksAndInvisibleCharactersAreNothingToRead)
 {
     EXPECT_TRUE(hasVisibleText("  x "));
     EXPECT_TRUE(hasVisibleText("許"));
-    for (const char *const text : {"", "   \n\t", "\xE2\x80\x8B", "\xC2\xA0", "\xE2\x80\xAE\xEF\xBB\xBF"})
+    for (const char *const text :
+         {"", "   \n\t", "\xE2\x80\x8B", "\xC2\xA0", "\xE2\x80\xAE\xEF\xBB\xBF", "\uFFFD \uFFFD"})
         EXPECT_FALSE(hasVisibleText(text)) << text;
 }
 
@@ -64,6 +78,25 @@ TEST(JoinMarkup, CanNotHideOrBlowUpItsWords)
 {
     EXPECT_EQ(markup("<span size='1' alpha='1'>and pay</span>"), "<span>and pay</span>");
     EXPECT_EQ(markup("<span foreground='#fff' font_desc='0.1'><small>and pay</small></span>"), "<span>and pay</span>");
+    EXPECT_EQ(markup("<s>all</s> of <span allow_breaks='false' strikethrough='true'>it</span>"),
+              "all of <span>it</span>");
+    EXPECT_EQ(markup("<tt>a</tt> <nonsense>x</nonsense> <span nonsense='1'>y</span>"), "a x <span>y</span>");
+}
+
+TEST(JoinMarkup, CanNotTurnOrSpreadItsWords)
+{
+    EXPECT_EQ(markup("<b>a\u202Eb</b>&#x200F;\tc"), "<b>a\uFFFDb</b>\uFFFD c");
+}
+
+TEST(JoinMarkup, IsMeasuredByWhatItShows)
+{
+    const std::string lineBreaks = "Join?" + repeated("&#10;", 3000) + "and pay";
+    EXPECT_EQ(markup(lineBreaks.c_str()), "(plain)");
+    bool wasCut = false;
+    EXPECT_EQ(words(lineBreaks.c_str()), "Join?" + std::string(3000, '\n') + "and pay");
+    cutToReadable(words(lineBreaks.c_str()).c_str(), &wasCut);
+    EXPECT_TRUE(wasCut) << "nobody can join";
+    EXPECT_EQ(words("<b>Join</b> _us &amp; go"), "Join us & go");
 }
 
 TEST(JoinMarkup, LinksLoseTheirTargetsAndKeepTheirWords)
@@ -73,8 +106,10 @@ TEST(JoinMarkup, LinksLoseTheirTargetsAndKeepTheirWords)
 
 TEST(JoinMarkup, WhatDoesNotParseIsPlain)
 {
-    for (const char *const text : {"<b>x & y", "a < b", "</markup><b>x</b>", "<nonsense>x</nonsense>", "&unknown;",
-                                   "<span nonsense='1'>x</span>", "<b></b>", "<span>  </span>"})
+    for (const char *const text :
+         {"<b>x & y", "a < b", "</markup><b>x</b>", "&unknown;", "<span weight='nonsense'>x</span>"})
+        EXPECT_EQ(words(text), text);
+    for (const char *const text : {"<b>x & y", "<b></b>", "<span>  </span>"})
         EXPECT_EQ(markup(text), "(plain)") << text;
 }
 
@@ -123,7 +158,26 @@ TEST(LongText, IsMeasuredInRoom)
     EXPECT_GT(measureTextRoom("a\nb"), 40);
     EXPECT_EQ(measureTextRoom(std::string(1000000, 'x').c_str()), readableTextRoom + 1);
     EXPECT_EQ(measureLongestLine("ab\ncdef\ng"), 4);
-    EXPECT_EQ(measureLongestWord("many short wörds\nin a text"), 5);
+    EXPECT_EQ(measureTextRoom("許可"), 4) << "wide letters";
+}
+
+TEST(LongText, LettersThatHoldTogetherAreParted)
+{
+    bool wasCut = true;
+    const std::string family = "👩\u200D👩\u200D👧\u200D👦 e\u0301";
+    EXPECT_EQ(cutToReadable(family.c_str(), &wasCut).get(), family);
+    for (const char *const part : {"\u1100", "\u0600", "\u0301", "👩\u200D"}) {
+        const OwnedText shown = cutToReadable(repeated(part, 100).c_str(), &wasCut);
+        EXPECT_TRUE(strstr(shown.get(), "\u200B")) << part;
+    }
+}
+
+TEST(LongText, HasNoTabsAndNoTurnsOfDirection)
+{
+    bool wasCut = true;
+    EXPECT_STREQ(cutToReadable("a\tb\u202Ec\u2066d\u200Ee\u200Ff\u061Cg", &wasCut).get(),
+                 "a b\uFFFDc\uFFFDd\uFFFDe\uFFFDf\uFFFDg");
+    EXPECT_STREQ(plainName("a\u200Eb\u200Fc\u061Cd\te").get(), "a\uFFFDb\uFFFDc\uFFFDd\uFFFDe");
 }
 
 TEST(Offer, NamesEveryFile)
