@@ -19,6 +19,8 @@ constexpr int unbrokenCharacters = 500;
 /// Letters, signs and marks that no line may end between hold together for so many characters: the longest sign that
 /// is one picture has fewer.
 constexpr int heldCharacters = 16;
+/// More marks on one letter would be drawn over the lines and buttons above and below.
+constexpr int stackedMarks = 6;
 constexpr char invisibleBreak[] = "\u200B";
 constexpr int firstFileField = 2;
 constexpr gunichar replacementCharacter = 0xfffd;
@@ -89,14 +91,16 @@ OwnedText addBreaks(const char *text)
 {
     const std::vector<PangoLogAttr> breaks = findBreaks(text);
     GString *const broken = g_string_new(nullptr);
-    int wordLength = 0, heldLength = 0;
+    int wordLength = 0, heldLength = 0, markCount = 0;
     gsize index = 0;
     for (const char *at = text; *at; at = g_utf8_next_char(at), index++) {
         const gunichar character = g_utf8_get_char(at);
         heldLength = breaks[index].is_char_break ? 1 : heldLength + 1;
-        if (heldLength > heldCharacters) {
+        markCount = g_unichar_ismark(character) ? markCount + 1 : 0;
+        if (heldLength > heldCharacters || markCount > stackedMarks) {
             g_string_append(broken, invisibleBreak);
             heldLength = 1;
+            markCount = MIN(markCount, 1);
         }
         g_string_append_unichar(broken, character);
         wordLength = g_unichar_isspace(character) ? 0 : wordLength + 1;

@@ -166,6 +166,8 @@ TEST(LongText, LettersThatHoldTogetherAreParted)
     bool wasCut = true;
     const std::string family = "👩\u200D👩\u200D👧\u200D👦 e\u0301";
     EXPECT_EQ(cutToReadable(family.c_str(), &wasCut).get(), family);
+    const OwnedText heap = cutToReadable(("x" + repeated("\u0316", 13)).c_str(), &wasCut);
+    EXPECT_EQ(heap.get(), "x" + repeated("\u0316", 6) + "\u200B" + repeated("\u0316", 6) + "\u200B\u0316");
     for (const char *const part : {"\u1100", "\u0600", "\u0301", "👩\u200D"}) {
         const OwnedText shown = cutToReadable(repeated(part, 100).c_str(), &wasCut);
         EXPECT_TRUE(strstr(shown.get(), "\u200B")) << part;
