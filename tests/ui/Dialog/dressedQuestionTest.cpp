@@ -2,6 +2,7 @@
 
 #include "src/main.h"
 #include "src/support.h"
+#include "tests/support/waitUntil.h"
 #include "tests/ui/main/everyQuestion.h"
 #include "tests/ui/main/textLosses.h"
 
@@ -73,6 +74,24 @@ std::string asField(const std::string &text)
     return escaped;
 }
 
+/// What of a dialog is too wide, too high or outside; empty when all is in sight.
+std::string outOfSight(GtkWidget *dialog)
+{
+    GdkRectangle frame = {};
+    gdk_window_get_frame_extents(gtk_widget_get_window(dialog), &frame);
+    std::string found;
+    if (frame.width > widestPx || frame.height > highestPx)
+        found = std::to_string(frame.width) + "x" + std::to_string(frame.height);
+    for (GtkWidget *const each : allWidgets(dialog)) {
+        const Box room = boxOfRoom(each);
+        if (GTK_IS_BUTTON(each) && gtk_widget_get_mapped(each) &&
+            (room.x + room.width > gtk_widget_get_allocated_width(dialog) ||
+             room.y + room.height > gtk_widget_get_allocated_height(dialog)))
+            found += " " + shownText(each);
+    }
+    return found;
+}
+
 class DressedQuestion : public EveryQuestion, public ::testing::WithParamInterface<Dress>
 {
 protected:
@@ -92,19 +111,10 @@ protected:
                 "command p9",
                 "initswap Bob"};
     }
-    void expectInSight(GtkWidget *dialog)
+    static void expectInSight(GtkWidget *dialog)
     {
         awaitLayout(dialog);
-        GdkRectangle frame = {};
-        gdk_window_get_frame_extents(gtk_widget_get_window(dialog), &frame);
-        EXPECT_LE(frame.width, widestPx);
-        EXPECT_LE(frame.height, highestPx);
-        for (GtkWidget *const each : allWidgets(dialog))
-            if (GTK_IS_BUTTON(each) && gtk_widget_get_mapped(each)) {
-                const Box room = boxOfRoom(each);
-                EXPECT_LE(room.x + room.width, gtk_widget_get_allocated_width(dialog)) << shownText(each);
-                EXPECT_LE(room.y + room.height, gtk_widget_get_allocated_height(dialog)) << shownText(each);
-            }
+        EXPECT_TRUE(waitUntil([&] { return outOfSight(dialog).empty(); }, [&] { return outOfSight(dialog); }));
     }
 };
 
