@@ -94,7 +94,6 @@ class AnnotationCase(SessionCase):
         """The program has heard of the overlay's end: the agent knows, the panel is shut, the pipes are gone."""
         until(lambda: self.closings() >= closings, lambda: f"{CLOSED}; the agent received {self.lines()}")
         self.application.gone("push button", "Pen")
-        self.application.gone("label", HINT)  # the buttons move as it goes
         until(lambda: not any(pipe.exists() for pipe in self.pipes), "the pipes go")
         self.assertEqual(self.closings(), closings)
 

@@ -4,7 +4,7 @@ import os
 import signal
 import time
 
-from annotationCase import MIDDLE, PEN_COLOUR, AnnotationCase
+from annotationCase import HINT, MIDDLE, PEN_COLOUR, AnnotationCase
 from screen import colour_at, key
 from session import main
 from waiting import PATIENCE
@@ -33,6 +33,7 @@ class TheOverlay(AnnotationCase):
             key("Escape")
             self.gone(overlay)
             self.ended(closings)
+            self.application.gone("label", HINT)  # the buttons move as it goes
 
     def test_may_be_killed_and_started_again(self):
         self.begin()
