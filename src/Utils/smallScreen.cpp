@@ -34,13 +34,30 @@ int workAreaHeight(GdkWindow *window)
     return area.height;
 }
 
+/// As the display server knows it now; what the toolkit has heard of may be older.
+int heightOnServer(GdkWindow *window)
+{
+    int height = 0;
+    gdk_window_get_geometry(window, nullptr, nullptr, nullptr, &height);
+    return height;
+}
+
+/// The frame that the window manager draws. While it resizes the window, it is asked again.
+int outerFrameHeight(GdkWindow *window)
+{
+    GdkRectangle outside = {};
+    int height = 0;
+    do {
+        height = heightOnServer(window);
+        gdk_window_get_frame_extents(window, &outside);
+    } while (height != heightOnServer(window));
+    return outside.height - height;
+}
+
 /// The frame that the window manager draws, or that the toolkit itself does around the content.
 int frameHeight(GtkWidget *window)
 {
-    GdkWindow *const drawn = gtk_widget_get_window(window);
-    GdkRectangle outside = {};
-    gdk_window_get_frame_extents(drawn, &outside);
-    return outside.height - gdk_window_get_height(drawn) + gtk_widget_get_allocated_height(window) -
+    return outerFrameHeight(gtk_widget_get_window(window)) + gtk_widget_get_allocated_height(window) -
            gtk_widget_get_allocated_height(childOf(window));
 }
 
