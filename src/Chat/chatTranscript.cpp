@@ -195,8 +195,7 @@ int openTranscript(const char *path)
 {
     // Non-blocking, for a FIFO of that name would stop the window.
     constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC;
-    const int file = open(path, flags | O_NOFOLLOW, transcriptMode);
-    return file < 0 && errno == ELOOP && isOwnLink(path) ? open(path, flags, transcriptMode) : file;
+    return open(path, isOwnLink(path) ? flags : flags | O_NOFOLLOW, transcriptMode);
 }
 
 void enableChatTranscriptButton(ChatWindow *chatwindow)
