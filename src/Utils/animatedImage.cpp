@@ -14,16 +14,24 @@ constexpr int doubleScale = 2;
 struct FramePlayer {
     GdkPixbufAnimationIter *frames; ///< owned
     cairo_surface_t *surface;       ///< owned; what the image shows
-    guint timerId;                  ///< shows the next frame; 0 while the image is hidden
 };
 
 void freePlayer(gpointer data)
 {
     auto *const player = static_cast<FramePlayer *>(data);
-    g_clear_handle_id(&player->timerId, g_source_remove);
     cairo_surface_destroy(player->surface);
     g_object_unref(player->frames);
     delete player;
+}
+
+guint timerOf(GtkWidget *image)
+{
+    return GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(image), frameTimerKey));
+}
+
+void keepTimer(GtkWidget *image, guint timerId)
+{
+    g_object_set_data(G_OBJECT(image), frameTimerKey, GUINT_TO_POINTER(timerId));
 }
 
 FramePlayer *playerOf(GtkWidget *image)
@@ -49,9 +57,8 @@ void waitForNextFrame(GtkWidget *image);
 gboolean showNextFrame(gpointer data)
 {
     auto *const image = static_cast<GtkWidget *>(data);
-    FramePlayer *const player = playerOf(image);
-    player->timerId = 0;
-    if (gdk_pixbuf_animation_iter_advance(player->frames, nullptr))
+    keepTimer(image, 0);
+    if (gdk_pixbuf_animation_iter_advance(playerOf(image)->frames, nullptr))
         paintFrame(image);
     waitForNextFrame(image);
     return G_SOURCE_REMOVE;
@@ -59,23 +66,25 @@ gboolean showNextFrame(gpointer data)
 
 void waitForNextFrame(GtkWidget *image)
 {
-    FramePlayer *const player = playerOf(image);
     gboolean animated = FALSE;
     g_object_get(gtk_widget_get_settings(image), "gtk-enable-animations", &animated, nullptr);
-    const int delayMs = gdk_pixbuf_animation_iter_get_delay_time(player->frames);
+    const int delayMs = gdk_pixbuf_animation_iter_get_delay_time(playerOf(image)->frames);
     if (animated && delayMs >= 0) // the last frame of one that ends stays
-        player->timerId = g_timeout_add(guint(delayMs), showNextFrame, image);
+        keepTimer(image, g_timeout_add(guint(delayMs), showNextFrame, image));
 }
 
-void startPlaying(GtkWidget *image, FramePlayer *player)
+void startPlaying(GtkWidget *image, FramePlayer *)
 {
-    if (!player->timerId)
+    if (!timerOf(image))
         waitForNextFrame(image);
 }
 
-void stopPlaying(GtkWidget *, FramePlayer *player)
+/// Before each end of an image, too.
+void stopPlaying(GtkWidget *image, FramePlayer *)
 {
-    g_clear_handle_id(&player->timerId, g_source_remove);
+    if (const guint timerId = timerOf(image))
+        g_source_remove(timerId);
+    keepTimer(image, 0);
 }
 
 GtkWidget *newPlayer(GdkPixbufAnimation *animation)
@@ -84,7 +93,7 @@ GtkWidget *newPlayer(GdkPixbufAnimation *animation)
     cairo_surface_t *const surface =
         gdk_cairo_surface_create_from_pixbuf(gdk_pixbuf_animation_iter_get_pixbuf(frames), doubleScale, nullptr);
     GtkWidget *const image = gtk_image_new_from_surface(surface);
-    auto *const player = new FramePlayer{frames, surface, 0};
+    auto *const player = new FramePlayer{frames, surface};
     g_object_set_data_full(G_OBJECT(image), playerKey, player, freePlayer);
     connect_signal(image, "map", startPlaying, player);
     connect_signal(image, "unmap", stopPlaying, player);

@@ -55,6 +55,8 @@ void setImageFromFile(GtkWidget *image, const char *path);
 OwnedText doubleSizePath(const char *path);
 /// An image that plays an animation while it is on the screen; as `newImageFromFile`.
 GtkWidget *newAnimatedImage(const char *path);
+/// Data of an animated image: the timer that shows its next frame, 0 while it is hidden.
+inline constexpr char frameTimerKey[] = "frame-timer";
 
 /// Has a label show any text in one line of the room there is; the text itself stays whole.
 void makeOneLine(GtkWidget *label);

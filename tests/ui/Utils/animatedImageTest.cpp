@@ -43,7 +43,8 @@ protected:
         return {reinterpret_cast<const char *>(cairo_image_surface_get_data(surface())),
                 size_t(cairo_image_surface_get_stride(surface()) * cairo_image_surface_get_height(surface()))};
     }
-    bool hasTimer() const { return g_main_context_find_source_by_user_data(nullptr, sign()) != nullptr; }
+    guint timer() const { return GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(sign()), frameTimerKey)); }
+    bool hasTimer() const { return timer() && g_main_context_find_source_by_id(nullptr, timer()); }
 };
 
 class SignWithoutDoubleSize : public Sign
@@ -93,8 +94,9 @@ TEST_F(CrispSign, WakesNobodyWhileItIsHidden)
     EXPECT_FALSE(hasTimer());
     gtk_widget_show(mainWindow->window);
     EXPECT_TRUE(hasTimer());
+    const guint last = timer();
     gtk_widget_destroy(mainWindow->window);
-    EXPECT_FALSE(hasTimer());
+    EXPECT_FALSE(g_main_context_find_source_by_id(nullptr, last));
 }
 
 TEST_F(CrispSign, StandsStillWithoutAnimations)
