@@ -23,8 +23,7 @@ constexpr char recordKey[] = "user-concent";
 GtkWidget *raise(QuestionId id, MainWindow *mainwindow, void (*handler)(GtkDialog *, int, MainWindow *))
 {
     const Question &question = findQuestion(id);
-    const char *text = question.rejectLabel ? question.text : getString(question.text);
-    GtkWidget *dialog = buildQuestion(question, mainwindow, text);
+    GtkWidget *dialog = buildQuestion(question, mainwindow, question.text);
     connect_signal(dialog, "response", handler, mainwindow);
     showQuestion(dialog, question, mainwindow, question.kind);
     return dialog;
@@ -267,7 +266,10 @@ gboolean show_dialog_transfer_control_demo(MainWindow *mainwindow)
     if (name)
         UI_INFO("parse confromation text");
     const Question &question = findQuestion(QuestionId::participantControl);
-    GtkWidget *dialog = buildQuestion(question, mainwindow, controlText(name ? name : identifier.get()).get());
+    const OwnedText text = name || hasVisibleText(displayable_text(identifier.get()).get())
+                               ? controlText(name ? name : identifier.get())
+                               : OwnedText(g_strdup("")); // nobody can agree to a control that nobody asks for
+    GtkWidget *dialog = buildQuestion(question, mainwindow, text.get());
     g_object_set(findLabel(dialog), "margin", controlLabelMarginPx, nullptr);
     if (!name)
         addEmptyText(dialog);

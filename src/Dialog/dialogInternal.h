@@ -1,6 +1,7 @@
 #pragma once
 // What the dialogs share among themselves: building, guarding, reporting, closing by time. Thread: main.
 
+#include "src/Dialog/dialogText.h"
 #include "src/main.h"
 #include "src/support.h"
 
@@ -13,8 +14,9 @@ GtkWidget *addAnswer(GtkWidget *dialog, const char *label, int response);
 GtkWidget *addAcceptAnswer(GtkWidget *dialog, const char *label, int response);
 
 /// Makes the text of a question, wrapped. What is too long to be read whole is cut. Nobody agrees to what can't be
-/// read: for a cut or empty text the agreeing button is insensitive. @return the label, in no container yet.
-GtkWidget *newAskingLabel(GtkWidget *dialog, const char *text, int acceptResponse);
+/// read: for a cut or empty text the agreeing button is insensitive. @param longestRoom what the text may take.
+/// @return the label, in no container yet.
+GtkWidget *newAskingLabel(GtkWidget *dialog, const char *text, int acceptResponse, int longestRoom = readableTextRoom);
 /// Adds the text of a question, lifted, in a scrolled area when it is long. @return the label.
 GtkWidget *addQuestionLabel(GtkWidget *dialog, const char *text, int acceptResponse);
 /// The label itself, or a scrolled area around one whose text is long or high.

@@ -22,6 +22,8 @@ constexpr int liftPangoUnits = 10000;
 constexpr int scrolledHeightPx = 400, scrolledMinimumPx = 120;
 /// Higher texts scroll: with its buttons and its frame a question fits a screen of 768 px.
 constexpr int unscrolledHeightPx = 560;
+/// A line ends between words; inside of one only when the word would make its dialog wider than this and its margins.
+constexpr int widestWordPx = 480;
 /// Characters in a line: a longer one is wrapped, a text isn't wrapped into shorter ones.
 constexpr int longestLineCharacters = 70, narrowLineCharacters = 32;
 
@@ -41,13 +43,19 @@ void takeFocusAway(GtkWidget *widget)
             GTK_CONTAINER(widget), [](GtkWidget *child, gpointer) { takeFocusAway(child); }, nullptr);
 }
 
+int narrowestWidth(GtkWidget *label)
+{
+    int width = 0;
+    gtk_widget_show(label); // a hidden one has no size
+    gtk_widget_get_preferred_width(label, &width, nullptr);
+    return width;
+}
+
 /// Letters of some scripts, and boxes for letters that no font has, are much wider or higher than others.
 int heightAtNarrowest(GtkWidget *label)
 {
-    int width = 0, height = 0;
-    gtk_widget_show(label); // a hidden one has no size
-    gtk_widget_get_preferred_width(label, &width, nullptr);
-    gtk_widget_get_preferred_height_for_width(label, width, nullptr, &height);
+    int height = 0;
+    gtk_widget_get_preferred_height_for_width(label, narrowestWidth(label), nullptr, &height);
     return height;
 }
 
@@ -97,11 +105,12 @@ void wrapLabel(GtkWidget *label)
 {
     const char *text = gtk_label_get_text(GTK_LABEL(label));
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
     // Without these a long text makes a dialog wider than the screen, and a resizable dialog leaves room for a text
     // of one word a line.
     gtk_label_set_max_width_chars(GTK_LABEL(label), longestLineCharacters);
     gtk_label_set_width_chars(GTK_LABEL(label), MIN(measureLongestLine(text), narrowLineCharacters));
+    if (narrowestWidth(label) > widestWordPx)
+        gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
 }
 
 GtkWidget *scrolledWhenLong(GtkWidget *label)
@@ -118,10 +127,10 @@ GtkWidget *scrolledWhenLong(GtkWidget *label)
     return area;
 }
 
-GtkWidget *newAskingLabel(GtkWidget *dialog, const char *text, int acceptResponse)
+GtkWidget *newAskingLabel(GtkWidget *dialog, const char *text, int acceptResponse, int longestRoom)
 {
     bool wasCut = false;
-    const OwnedText shown = cutToReadable(text, &wasCut);
+    const OwnedText shown = cutToReadable(text, &wasCut, longestRoom);
     GtkWidget *label = gtk_label_new(shown.get());
     wrapLabel(label);
     if (wasCut || !hasVisibleText(shown.get()))

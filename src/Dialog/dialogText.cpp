@@ -55,12 +55,11 @@ bool isVisible(gunichar character)
            std::ranges::find(blankLooking, character) == std::end(blankLooking);
 }
 
-/// True for the invisible marks that turn the direction of what stands beside them. A name or a question in a script
-/// that runs from right to left needs none of them: its letters say so.
+/// True for what turns or encloses the direction of all that follows. The marks of direction are none of them: like
+/// letters, they only pull the signs beside them, and honest texts from right to left have them.
 bool turnsDirection(gunichar character)
 {
-    return character == 0x061c || character == 0x200e || character == 0x200f ||
-           (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069);
+    return (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069);
 }
 
 /// True for what would make a name look like another one: line breaks and other controls, and turns of direction.
@@ -113,8 +112,8 @@ OwnedText addBreaks(const char *text)
 // ------------------------------------------------------------------------------------------ markup of few words
 
 /// What may be done to words; of every other element only the words are copied.
-constexpr const char *plainElements[] = {"b", "i", "span", "u"};
-constexpr const char *plainAttributes[] = {"style", "underline", "weight"};
+constexpr const char *plainElements[] = {"b", "i", "span", "tt", "u"};
+constexpr const char *plainAttributes[] = {"font_style", "font_weight", "style", "underline", "weight"};
 
 bool isOneOf(std::span<const char *const> names, const char *name)
 {
@@ -190,7 +189,7 @@ bool hasVisibleText(const char *text)
     return false;
 }
 
-OwnedText cutToReadable(const char *text, bool *wasCut)
+OwnedText cutToReadable(const char *text, bool *wasCut, int longestRoom)
 {
     const OwnedText whole = displayable_text(text);
     g_autoptr(GString) shown = g_string_new(nullptr);
@@ -199,7 +198,7 @@ OwnedText cutToReadable(const char *text, bool *wasCut)
     for (; *at; at = g_utf8_next_char(at)) {
         const gunichar character = g_utf8_get_char(at);
         room += roomOf(character);
-        if (room > readableTextRoom)
+        if (room > longestRoom)
             break;
         g_string_append_unichar(shown, readableCharacter(character));
     }
@@ -221,7 +220,7 @@ int measureLongestLine(const char *text)
 JoinText readMarkup(const char *text)
 {
     JoinText read = {displayable_text(text), nullptr};
-    if (measureTextRoom(text) > readableTextRoom)
+    if (measureTextRoom(read.words.get()) > readableTextRoom)
         return read;
     OwnedText markup = copyPlainMarkup(read.words.get());
     char *words = nullptr;

@@ -7,6 +7,9 @@
 inline constexpr int scrolledTextRoom = 600;
 /// Room that a question may take at most; the rest is cut.
 inline constexpr int readableTextRoom = 16000;
+/// The same of a list of names: thousands of files are a list that one looks through. Its label is some 20,000 pixels
+/// high then; a window system that counts them in 16 bits has room for half as much again.
+inline constexpr int longestListRoom = 65536;
 
 /// How much room a text takes: one for each character, two for a wide one, a line's worth for each line break; never
 /// more than one past `readableTextRoom`, however long the text is.
@@ -22,8 +25,8 @@ bool hasVisibleText(const char *text);
 
 /// A text that can be read whole, or its beginning and an ellipsis. Tabs are blanks, turns of direction are
 /// replacement characters. Very long words and heaps of marks get invisible places to break, which also keeps their
-/// layout from taking seconds. @param wasCut set, never null.
-OwnedText cutToReadable(const char *text, bool *wasCut);
+/// layout from taking seconds. @param wasCut set, never null. @param longestRoom what the text may take.
+OwnedText cutToReadable(const char *text, bool *wasCut, int longestRoom = readableTextRoom);
 
 /// A name as it reads: valid UTF-8 in which controls, line breaks and turns of direction stand as replacement
 /// characters, so that no name looks like another.

@@ -45,9 +45,15 @@ GtkWidget *buildByHand(const Question &question, const MainWindow *mainwindow, c
     addAcceptAnswer(dialog, labelOf(question, question.acceptLabel), question.acceptResponse);
     if (question.rejectLabel)
         addAnswer(dialog, labelOf(question, question.rejectLabel), GTK_RESPONSE_REJECT);
-    addQuestionLabel(dialog, text, question.acceptResponse);
+    addQuestionLabel(dialog, has(question, textIsFinished) ? text : getString(text), question.acceptResponse);
     gtk_window_set_resizable(GTK_WINDOW(dialog), has(question, resizable));
     return dialog;
+}
+
+/// A note that is only read.
+bool grantsNothing(const Question &question)
+{
+    return question.accepted.line == Line::none;
 }
 
 OwnedText copyOfData(GtkDialog *dialog, const char *key)
@@ -117,7 +123,7 @@ void showQuestion(GtkWidget *dialog, const Question &question, MainWindow *mainw
     if (has(question, askedByCustomer))
         gtk_widget_show_all(dialog);
     else
-        showOnRefusal(dialog);
+        showOnRefusal(dialog, grantsNothing(question) ? question.acceptResponse : GTK_RESPONSE_REJECT);
     if (has(question, presentsItself))
         gtk_window_present(GTK_WINDOW(dialog));
 }

@@ -158,7 +158,7 @@ gboolean show_dialog_filetransfer(MainWindow *mainwindow)
     const OwnedText line = takeText(&mainwindow->mutex, mainwindow->tempFT);
     GtkWidget *dialog = newReceiveDialog();
     FtReceiveDialog = dialog;
-    GtkWidget *list = newAskingLabel(dialog, listOfferedFiles(line.get()).get(), saveResponse);
+    GtkWidget *list = newAskingLabel(dialog, listOfferedFiles(line.get()).get(), saveResponse, longestListRoom);
     gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(dialog))), newReceiveContent(window, list));
     setFolder(window, chooseDownloadFolder().get());
     UI_INFO("Download path is %s", window->Path);

@@ -309,8 +309,8 @@ TEST_F(FileTransfer, AnOfferThatIsNotShownWholeIsNotSaved)
             all += " file" + std::to_string(i) + ".txt";
         return all;
     };
-    EXPECT_TRUE(gtk_widget_get_sensitive(findButton(offer(names(1000)), "Save"))) << "its list scrolls";
-    EXPECT_FALSE(gtk_widget_get_sensitive(findButton(offer(names(3000)), "Save")));
+    EXPECT_TRUE(gtk_widget_get_sensitive(findButton(offer(names(4000)), "Save"))) << "its list scrolls";
+    EXPECT_FALSE(gtk_widget_get_sensitive(findButton(offer(names(12000)), "Save")));
 }
 
 TEST_F(FileTransfer, WhoeverIsTypingDoesNotSave)

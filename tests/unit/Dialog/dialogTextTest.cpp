@@ -80,12 +80,12 @@ TEST(JoinMarkup, CanNotHideOrBlowUpItsWords)
     EXPECT_EQ(markup("<span foreground='#fff' font_desc='0.1'><small>and pay</small></span>"), "<span>and pay</span>");
     EXPECT_EQ(markup("<s>all</s> of <span allow_breaks='false' strikethrough='true'>it</span>"),
               "all of <span>it</span>");
-    EXPECT_EQ(markup("<tt>a</tt> <nonsense>x</nonsense> <span nonsense='1'>y</span>"), "a x <span>y</span>");
+    EXPECT_EQ(markup("<big>a</big> <nonsense>x</nonsense> <span nonsense='1'>y</span>"), "a x <span>y</span>");
 }
 
 TEST(JoinMarkup, CanNotTurnOrSpreadItsWords)
 {
-    EXPECT_EQ(markup("<b>a\u202Eb</b>&#x200F;\tc"), "<b>a\uFFFDb</b>\uFFFD c");
+    EXPECT_EQ(markup("<b>a\u202Eb</b>&#x202E;\tc"), "<b>a\uFFFDb</b>\uFFFD c");
 }
 
 TEST(JoinMarkup, IsMeasuredByWhatItShows)
@@ -177,9 +177,27 @@ TEST(LongText, LettersThatHoldTogetherAreParted)
 TEST(LongText, HasNoTabsAndNoTurnsOfDirection)
 {
     bool wasCut = true;
-    EXPECT_STREQ(cutToReadable("a\tb\u202Ec\u2066d\u200Ee\u200Ff\u061Cg", &wasCut).get(),
-                 "a b\uFFFDc\uFFFDd\uFFFDe\uFFFDf\uFFFDg");
-    EXPECT_STREQ(plainName("a\u200Eb\u200Fc\u061Cd\te").get(), "a\uFFFDb\uFFFDc\uFFFDd\uFFFDe");
+    EXPECT_STREQ(cutToReadable("a\tb\u202Ec\u2066d", &wasCut).get(), "a b\uFFFDc\uFFFDd");
+    EXPECT_STREQ(plainName("a\u202Db\u2069c\td").get(), "a\uFFFDb\uFFFDc\uFFFDd");
+}
+
+TEST(LongText, KeepsMarksOfDirection)
+{
+    bool wasCut = false;
+    const std::string hebrew = "(C++\u200E) \u05E9\u05DC\u05D5\u05DD\u200F!\u061C";
+    EXPECT_EQ(cutToReadable(hebrew.c_str(), &wasCut).get(), hebrew);
+    EXPECT_EQ(plainName(hebrew.c_str()).get(), hebrew);
+    EXPECT_EQ(markup(("<b>" + hebrew + "</b>").c_str()), "<b>" + hebrew + "</b>");
+}
+
+TEST(LongText, MayBeGivenMoreRoom)
+{
+    bool wasCut = true;
+    const std::string list = repeated("name.txt, ", readableTextRoom / 10 + 1);
+    EXPECT_EQ(cutToReadable(list.c_str(), &wasCut, longestListRoom).get(), list);
+    EXPECT_FALSE(wasCut);
+    EXPECT_NE(cutToReadable(list.c_str(), &wasCut).get(), list);
+    EXPECT_TRUE(wasCut);
 }
 
 TEST(Offer, NamesEveryFile)
