@@ -19,7 +19,6 @@ namespace
 
 constexpr mode_t transcriptMode = 0666;
 
-/// Lines are padded with blanks; the numbers behind the texts are their counts.
 constexpr char starLines[] =
     "*********************************************************************************************\n"
     "*********************************************************************************************\n";
@@ -122,11 +121,18 @@ GString *copyTranscript(ChatWindow *chatwindow)
     return transcript;
 }
 
-/// A link that the customer has made leads where the customer wants.
-bool isOwnLink(const char *path)
+/// In a folder that others may write to, a link that the customer has not made leads where somebody else wants.
+bool isTrap(const char *path)
 {
-    struct stat status;
-    return lstat(path, &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid == geteuid();
+    g_autofree char *folder = g_path_get_dirname(path);
+    struct stat link, place;
+    return lstat(path, &link) == 0 && S_ISLNK(link.st_mode) && link.st_uid != geteuid() &&
+           (stat(folder, &place) != 0 || place.st_mode & (S_IWGRP | S_IWOTH));
+}
+
+void logWriteError()
+{
+    log_print(levelError, __LINE__, "SaveChatTranscript", "error writing chat transcript %s", g_strerror(errno));
 }
 
 /// A file that can't be opened is passed over in silence.
@@ -138,16 +144,16 @@ void writeTranscript(const char *path, ChatWindow *chatwindow)
     GString *const transcript = copyTranscript(chatwindow);
     const bool isWritten = writeAll(file, transcript->str, transcript->len);
     if (!isWritten)
-        UI_ERROR("error writing chat transcript %s", g_strerror(errno));
+        logWriteError();
     if (close(file) != 0 && isWritten)
-        UI_ERROR("error writing chat transcript %s", g_strerror(errno));
+        logWriteError();
     g_string_free(transcript, true);
 }
 
 void saveInto(const char *folder, ChatWindow *chatwindow)
 {
     if (access(folder, R_OK | W_OK | X_OK) != 0) {
-        UI_INFO("You Dont Have access");
+        UI_INFO_AS("SaveChatTranscript", "You Dont Have access");
         startInfoBar(chatwindow->infobar, getString("You don't have enough privilege to access the file"));
         return;
     }
@@ -182,6 +188,7 @@ void appendFullEntry(ChatWindow *chatwindow, const char *sender, const char *mes
                            now.tm_sec, textOrNull(message));
 }
 
+/// Lines are padded with blanks; the numbers in the format are their counts.
 OwnedText transcriptHeader(const struct tm &today, const char *sessionKey, const char *sessionType)
 {
     g_autofree char *date = g_strdup_printf("%d/%d/%d", today.tm_mday, today.tm_mon + 1, today.tm_year + 1900);
@@ -195,7 +202,7 @@ int openTranscript(const char *path)
 {
     // Non-blocking, for a FIFO of that name would stop the window.
     constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC;
-    return open(path, isOwnLink(path) ? flags : flags | O_NOFOLLOW, transcriptMode);
+    return open(path, isTrap(path) ? flags | O_NOFOLLOW : flags, transcriptMode);
 }
 
 void enableChatTranscriptButton(ChatWindow *chatwindow)

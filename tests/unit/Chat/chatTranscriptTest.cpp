@@ -133,16 +133,33 @@ TEST(TranscriptFile, IsOpenedThroughALinkOfTheCustomer)
     EXPECT_EQ(folder.read("target"), "");
 }
 
-TEST(TranscriptFile, IsNotOpenedThroughALinkOfSomebodyElse)
+/// Only root can make links of somebody else.
+class ForeignLink : public ::testing::Test
 {
-    const TemporaryFolder folder;
-    const std::string target = folder.write("target", "former");
-    std::string link = "/dev/stdout"; // root's
-    if (geteuid() == 0) {
-        link = folder.file("link");
+protected:
+    void SetUp() override
+    {
+        if (geteuid() != 0)
+            GTEST_SKIP() << "needs the rights to give a link away";
         ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0);
         ASSERT_EQ(lchown(link.c_str(), 2000, 2000), 0);
     }
+    const TemporaryFolder folder;
+    const std::string target = folder.write("target", "former"), link = folder.file("link");
+};
+
+TEST_F(ForeignLink, IsRefusedWhereOthersMayWrite)
+{
+    ASSERT_EQ(chmod(folder.path().c_str(), 01777), 0);
     EXPECT_EQ(openTranscript(link.c_str()), -1);
     EXPECT_EQ(folder.read("target"), "former");
+}
+
+TEST_F(ForeignLink, IsFollowedInAFolderOfOnesOwn)
+{
+    ASSERT_EQ(chmod(folder.path().c_str(), 0700), 0);
+    const int file = openTranscript(link.c_str());
+    ASSERT_GE(file, 0);
+    EXPECT_EQ(close(file), 0);
+    EXPECT_EQ(folder.read("target"), "");
 }
