@@ -49,7 +49,7 @@ struct Annotation {
     GtkWidget *mainWindow;        ///< resized after a toggle
     GtkWidget *expander;          ///< never set
     GtkWidget *contentArea;       ///< the panel
-    std::atomic<int> buttonState; ///< 2 collapsed, 1 expanded; main and the starter thread
+    std::atomic<int> buttonState; ///< see annotationPanel.h; main and the starter thread
     char *logPath;                ///< log folder handed to the program; owned, constant after start-up
     char *pipePath;               ///< pipe to the program; owned, constant after start-up
     char *pipeOutPath;            ///< pipe from the program; owned, constant after start-up
@@ -138,7 +138,7 @@ struct MainWindow {
         *participantsCursorImage, *participantsButtonImagePath, *chatButtonImagePath, *annotationButtonImagePath,
         *fileTransferButtonImagePath, *settingsButtonImagePath, *logoImagePath, *chatTranscriptImagePath,
         *imageRecording; ///< image files, owned
-    char *tempFT;        ///< argument of the pending prompt, owned; parser and main, under `mutex`
+    char *tempFT;        ///< argument of the pending prompt, owned; main, under `mutex`
     char *Techname;      ///< technician's name, owned; parser writes it once under `mutex`, read under it
     char *logPath;       ///< owned; not used
     const char *demoSession, *urs, *rolechange, *email, *sysVersion, *homeDir,
@@ -157,7 +157,7 @@ struct MainWindow {
     GList *active_dialogs; ///< kinds of open dialogs behind the entry "test"; under `mutex`
     CustomExpander *chatExpander, *participantsExpander, *fileTransferExpander, *annotationExpander;
     char *settingsJsonPath;           ///< owned, may be null; nothing reads the file
-    char *demo_tech_access;           ///< participant who asks for control, owned; parser and main, under `mutex`
+    char *demo_tech_access;           ///< participant who asks for control, owned; main, under `mutex`
     GtkWidget *onDemandScreenSharing; ///< never placed in the window; a reference is held
     GtkClipboard *clipboard;          ///< borrowed
     const char *productWindowTitle;   ///< constant

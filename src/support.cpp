@@ -16,10 +16,10 @@
 namespace
 {
 
-// Far more than any window shows, and quickly laid out.
-constexpr glong longestName = 10000;
 // A key or an address that is copied out of a view comes out as it went in; what goes on longer is no word to copy.
 constexpr glong longestExactWord = 4000;
+// Far more than any window shows, quickly laid out, and with the signs beside it still an exact word.
+constexpr glong longestName = 3900;
 constexpr glong breakDistance = 500;
 constexpr gunichar invisibleBreak = 0x200b;
 
@@ -92,19 +92,6 @@ void attach(GSource *source, bool *isAttached)
     g_source_set_can_recurse(source, TRUE);
     g_source_attach(source, nullptr);
     g_source_unref(source);
-}
-
-void appendTask(const MainCall &call)
-{
-    auto *const task = g_new(Task, 1);
-    *task = {call, nullptr};
-    const MutexLock lock(&tasksMutex);
-    (lastTask ? lastTask->next : firstTask) = task;
-    lastTask = task;
-    if (!std::exchange(isIdleSourceAttached, true))
-        attach(g_idle_source_new(), &isIdleSourceAttached);
-    if (!std::exchange(isTimeoutAttached, true))
-        attach(g_timeout_source_new(starvingMs), &isTimeoutAttached);
 }
 
 const char *endOfWord(const char *at)
@@ -244,7 +231,20 @@ void run_on_main_untyped(const MainCall &call)
         run(call);
         return;
     }
-    appendTask(call);
+    schedule_on_main_untyped(call);
+}
+
+void schedule_on_main_untyped(const MainCall &call)
+{
+    auto *const task = g_new(Task, 1);
+    *task = {call, nullptr};
+    const MutexLock lock(&tasksMutex);
+    (lastTask ? lastTask->next : firstTask) = task;
+    lastTask = task;
+    if (!std::exchange(isIdleSourceAttached, true))
+        attach(g_idle_source_new(), &isIdleSourceAttached);
+    if (!std::exchange(isTimeoutAttached, true))
+        attach(g_timeout_source_new(starvingMs), &isTimeoutAttached);
 }
 
 void connect_nested_click_untyped(GtkWidget *button, const ClickCall &call)

@@ -70,8 +70,17 @@ struct MainCall {
     void (*callback)();
     gpointer record;
 };
-/// Untyped body of `run_on_main`.
+/// `call` for a callback with this record.
+template <class Record> MainCall pack_call(gboolean (*callback)(Record *), Record *record)
+{
+    constexpr auto call = [](void (*untyped)(), gpointer data) {
+        reinterpret_cast<gboolean (*)(Record *)>(untyped)(static_cast<Record *>(data));
+    };
+    return {call, reinterpret_cast<void (*)()>(callback), record};
+}
+/// Untyped bodies of `run_on_main` and `schedule_on_main`.
 void run_on_main_untyped(const MainCall &call);
+void schedule_on_main_untyped(const MainCall &call);
 
 /// Runs a one-shot callback with its record on the main thread: at once when called there, else from the main loop,
 /// in the order of the calls. What the callback returns is ignored.
@@ -79,16 +88,13 @@ void run_on_main_untyped(const MainCall &call);
 /// Thread: any.
 template <class Record> void run_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *record)
 {
-    constexpr auto call = [](void (*untyped)(), gpointer data) {
-        reinterpret_cast<gboolean (*)(Record *)>(untyped)(static_cast<Record *>(data));
-    };
-    run_on_main_untyped({call, reinterpret_cast<void (*)()>(callback), record});
+    run_on_main_untyped(pack_call<Record>(callback, record));
 }
 
-/// Schedules a one-shot callback on the main loop even when called on the main thread itself.
+/// Same, but waits its turn even when called on the main thread itself.
 template <class Record> void schedule_on_main(gboolean (*callback)(Record *), std::type_identity_t<Record> *record)
 {
-    g_idle_add(reinterpret_cast<GSourceFunc>(callback), record);
+    schedule_on_main_untyped(pack_call<Record>(callback, record));
 }
 
 /// Connects a handler whose last parameter must be the record's type; a wrong record does not compile.

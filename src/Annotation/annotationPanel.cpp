@@ -17,9 +17,6 @@
 namespace
 {
 
-constexpr int expanded = 1;
-constexpr int collapsed = 2;
-
 /// A tool as its widget's name tells it; the first row whose prefix fits counts.
 struct Tool {
     const char *namePrefix;
@@ -50,10 +47,12 @@ const Tool *findTool(const char *name)
     return nullptr;
 }
 
-void scheduleGreyOut(GtkWidget *button)
+/// Releases the button, too.
+gboolean greyOut(GtkWidget *button)
 {
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, reinterpret_cast<GSourceFunc>(MakeButtonInSensitive), g_object_ref(button),
-                    g_object_unref);
+    MakeButtonInSensitive(button);
+    g_object_unref(button);
+    return G_SOURCE_REMOVE;
 }
 
 /// Greys out first: the program may report itself back to normal before the write returns.
@@ -61,7 +60,7 @@ void chooseTool(const Tool &tool, const Annotation *annotation)
 {
     if (!tool.command)
         return;
-    scheduleGreyOut(annotation->*tool.button);
+    schedule_on_main(greyOut, GTK_WIDGET(g_object_ref(annotation->*tool.button)));
     AnnotationPipeWriter(annotation->pipePath, tool.command);
 }
 
@@ -76,7 +75,7 @@ void expand(MainWindow *mainwindow)
 {
     Annotation *const annotation = mainwindow->annotation;
     startAnnotationApplication(mainwindow);
-    annotation->buttonState = expanded;
+    annotation->buttonState = panelExpanded;
     gtk_widget_show_all(annotation->contentArea);
     UI_INFO_AS("on_annotation_clicked", "Expaning annotation");
 }
@@ -84,7 +83,7 @@ void expand(MainWindow *mainwindow)
 void minimize(Annotation *annotation)
 {
     UI_INFO_AS("on_annotation_clicked", "minimizing annotation");
-    annotation->buttonState = collapsed;
+    annotation->buttonState = panelCollapsed;
     gtk_widget_hide(annotation->contentArea);
 }
 
@@ -104,7 +103,7 @@ void on_annotation_clicked(GtkWidget *, MainWindow *mainwindow)
     if (!mainwindow->isAnnotationAllowed)
         return;
     UI_INFO("annotation is allowed");
-    if (mainwindow->annotation->buttonState == collapsed)
+    if (mainwindow->annotation->buttonState == panelCollapsed)
         expand(mainwindow);
     else
         minimize(mainwindow->annotation);
@@ -142,6 +141,6 @@ gboolean MakeButtonSensitive(MainWindow *mainwindow)
 
 void collapseAnnotation(Annotation *annotation)
 {
-    annotation->buttonState = collapsed;
+    annotation->buttonState = panelCollapsed;
     minimizeExpander(annotation->contentArea);
 }

@@ -3,6 +3,9 @@
 
 #include "src/main.h"
 
+/// Values of `Annotation.buttonState`.
+inline constexpr int panelExpanded = 1, panelCollapsed = 2;
+
 /// Connects the tool buttons. @return 1.
 int setupAnnotationClickHandling(MainWindow *mainwindow);
 /// The panel's toolbar button: opens the panel and starts the program, or closes the panel.

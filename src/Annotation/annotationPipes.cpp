@@ -8,6 +8,7 @@
 #include "Logger/logger.h"
 #include "src/Annotation/annotationPanel.h"
 #include "src/Annotation/annotationProgram.h"
+#include "src/Utils/descriptor.h"
 #include "src/Utils/pipeWaiting.h"
 #include "src/support.h"
 
@@ -62,27 +63,6 @@ GiveUp chooseGiveUp()
     }
     return isAnnotationAlive ? sessionEndsOrProgramGone : sessionEnds;
 }
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int descriptor = -1) : m_descriptor(descriptor) {}
-    ~Descriptor() { reset(-1); }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    int get() const { return m_descriptor; }
-    int release() { return std::exchange(m_descriptor, -1); }
-    /// Closes what it holds and holds another. @return what close() gave.
-    int reset(int descriptor)
-    {
-        const int closed = m_descriptor >= 0 ? close(m_descriptor) : 0;
-        m_descriptor = descriptor;
-        return closed;
-    }
-
-private:
-    int m_descriptor;
-};
 
 /// One run of the program, as its reader knows it.
 struct Run {

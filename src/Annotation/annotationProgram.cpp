@@ -26,7 +26,6 @@ namespace
 
 constexpr mode_t programMode = 0700;
 constexpr mode_t pipeMode = 0666;
-constexpr int collapsed = 2;
 
 /// A collapse of the panel on its way to the main thread.
 struct Collapse {
@@ -94,7 +93,7 @@ bool endRunAndPipes(Annotation *annotation, guint run)
     const MutexLock lock(&annotation->runMutex);
     if (annotation->run != run)
         return false;
-    annotation->buttonState = collapsed;
+    annotation->buttonState = panelCollapsed;
     isAnnotationAlive = false;
     // The reader sees an end of file on what is about to have no name any more.
     wakeAnnotationReader(annotation->pipeOutPath);

@@ -4,6 +4,7 @@
 #include "src/thread/thread.h"
 
 #include "Logger/logger.h"
+#include "src/Utils/descriptor.h"
 #include "src/Utils/pipeTransport.h"
 #include "src/sessionState.h"
 #include "src/support.h"
@@ -22,26 +23,6 @@ namespace
 
 constexpr gsize chunkBytes = 65536;
 constexpr char substitute = 0x1a; // stands for a NUL, which would cut the text; nothing is removed
-
-/// A descriptor that closes itself.
-class Descriptor
-{
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor()
-    {
-        if (m_number >= 0)
-            close(m_number);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    int number() const { return m_number; }
-    /// Takes over another descriptor's number and closes the own one.
-    void replaceBy(Descriptor &other) { std::swap(m_number, other.m_number); }
-
-private:
-    int m_number;
-};
 
 /// Waits until a writer has come, which is also what the end of a text looks like.
 void waitForWriter(int descriptor)
@@ -96,15 +77,15 @@ gpointer infiniteChecker(gpointer)
     Descriptor pipe(open(path.get(), mode));
     while (g_threadChecker) {
         // Kept on purpose: the failure of an earlier round is not forgotten, so one failed read ends reception.
-        if (pipe.number() < 0)
+        if (pipe.get() < 0)
             failure = errno;
         if (failure != 0) {
             endReception(g_strerror(failure));
             return nullptr;
         }
-        waitForWriter(pipe.number());
+        waitForWriter(pipe.get());
         UI_INFO("file opened properly ");
-        OwnedText text = readWriterSession(pipe.number());
+        OwnedText text = readWriterSession(pipe.get());
         if (text) {
             pushText(pipeMessageQueue, std::move(text));
         } else {
@@ -113,10 +94,9 @@ gpointer infiniteChecker(gpointer)
             UI_INFO("Error has occured");
         }
         // A file that is no pipe would be read again and again without an end.
-        if (!isFifo(pipe.number()))
+        if (!isFifo(pipe.get()))
             failure = failure ? failure : ESPIPE;
-        Descriptor next(open(path.get(), mode));
-        pipe.replaceBy(next);
+        pipe.reset(open(path.get(), mode));
     }
     UI_INFO("Closing thread");
     return nullptr;
