@@ -37,10 +37,11 @@ void putSharingImage(MainWindow *mainwindow)
         return; // the window has gone, and with it the button's own picture
     const bool isPaused = mainwindow->StartButtonState == paused;
     gtk_button_set_image(GTK_BUTTON(button), isPaused ? mainwindow->startSharingImage : mainwindow->stopSharingImage);
-    // The description, too: it would be taken from the tooltip, which only a click changes.
+    const char *const action = sharingAction(mainwindow->StartButtonState);
+    // The description, too: else it would be the tooltip, where there is none yet.
     AtkObject *const accessible = gtk_widget_get_accessible(button);
-    atk_object_set_name(accessible, sharingAction(mainwindow->StartButtonState));
-    atk_object_set_description(accessible, sharingAction(mainwindow->StartButtonState));
+    atk_object_set_name(accessible, action);
+    atk_object_set_description(accessible, action);
 }
 
 void beginSession(MainWindow *mainwindow)
@@ -114,6 +115,9 @@ void showSharingButton(MainWindow *mainwindow)
 {
     makeSharingImages(mainwindow);
     putSharingImage(mainwindow);
+    // The first click brings the tooltip; from then on it says what the picture says.
+    if (gtk_widget_get_has_tooltip(mainwindow->startStopSharingButton))
+        gtk_widget_set_tooltip_text(mainwindow->startStopSharingButton, sharingAction(mainwindow->StartButtonState));
 }
 
 void showStatusText(MainWindow *mainwindow, const char *withoutName)

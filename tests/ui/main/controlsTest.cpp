@@ -65,6 +65,17 @@ TEST_F(SharingButton, AClickWhileSharingPauses)
     EXPECT_THAT(sentLines(1), ElementsAre("buttonClicked stop"));
 }
 
+TEST_F(SharingButton, TooltipFollowsReportsOnceThereIsOne)
+{
+    mainWindow->StartButtonState = 1;
+    ButtonChangeStop(mainWindow);
+    EXPECT_EQ(tooltip(), "") << "a click brings it";
+    click();
+    EXPECT_EQ(tooltip(), "Pause Screen Sharing");
+    ButtonChangeStop(mainWindow);
+    EXPECT_EQ(tooltip(), "Resume Screen Sharing") << "as the picture says";
+}
+
 TEST_F(SharingButton, AClickWhilePausedResumes)
 {
     mainWindow->StartButtonState = 2;
