@@ -33,7 +33,7 @@ void closeCallDialog()
 void show_audio_video_recive(MainWindow *mainwindow, const char *)
 {
     UI_ENTER();
-    closeCallDialog(); // two invitations may come before the first is shown
+    closeCallDialog(); // at most one is open, whoever asks
     GtkWidget *dialog = custom_dialog("Video/Voice call", "Accept", "Reject",
                                       "Would you like to accept your technician's voice/ \nvideo chat invite?"
                                       "                                ");

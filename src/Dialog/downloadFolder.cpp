@@ -38,18 +38,20 @@ Found lookAt(const char *path)
     return Found::unusable;
 }
 
-bool makeFolder(const char *path)
+enum class Made { newFolder, byAnother, failed };
+
+Made makeFolder(const char *path)
 {
     if (mkdir(path, folderMode) == 0)
-        return true;
+        return Made::newFolder;
     if (errno != EEXIST) {
         perror("mkdir");
-        return false;
+        return Made::failed;
     }
     if (isFolder(path))
-        return true;
+        return Made::byAnother;
     fprintf(stderr, "mkdir race: %s was created but is not dir\n", path);
-    return false;
+    return Made::failed;
 }
 
 void giveFolder(int folder, const char *user)
@@ -61,17 +63,17 @@ void giveFolder(int folder, const char *user)
         perror("chown");
 }
 
-/// The rights of a new folder, whatever the process leaves out of those of its own files, and its owner. Works on the
-/// folder itself, not on what a link in its place points at: somebody may have put one there meanwhile, and the program
-/// may run as root.
-void setUpFolder(const char *path, const char *user)
+/// The owner of a folder, and of one of ours the rights, whatever the process leaves out of those of its own files.
+/// Works on the folder itself, not on what a link in its place points at: somebody may have put one there meanwhile,
+/// and the program may run as root.
+void setUpFolder(const char *path, const char *user, Made made)
 {
     const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (folder < 0) {
         perror("open");
         return;
     }
-    if (fchmod(folder, folderMode) != 0)
+    if (made == Made::newFolder && fchmod(folder, folderMode) != 0)
         perror("chmod");
     giveFolder(folder, user);
     close(folder);
@@ -84,9 +86,13 @@ char *create_download_folder(const char *path, const char *user)
     if (!path || !user || !*user)
         return nullptr;
     const Found found = lookAt(path);
-    if (found == Found::unusable || (found == Found::nothing && !makeFolder(path)))
+    if (found == Found::unusable)
         return nullptr;
-    if (found == Found::nothing)
-        setUpFolder(path, user);
+    if (found == Found::nothing) {
+        const Made made = makeFolder(path);
+        if (made == Made::failed)
+            return nullptr;
+        setUpFolder(path, user, made);
+    }
     return g_strdup(path);
 }

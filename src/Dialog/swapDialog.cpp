@@ -25,8 +25,12 @@ constexpr int labelMarginPx = 20;
 
 OwnedText waitingText(MainWindow *mainwindow)
 {
-    const MutexLock lock(&mainwindow->mutex);
-    const OwnedText name = mainwindow->Techname ? plainName(mainwindow->Techname) : OwnedText(g_strdup("(null)"));
+    OwnedText name;
+    {
+        const MutexLock lock(&mainwindow->mutex);
+        name.reset(g_strdup(mainwindow->Techname ? mainwindow->Techname : "(null)"));
+    }
+    name = plainName(name.get());
     const OwnedText text(g_strdup_printf(getString(" Requesting %s to share screen          "), name.get()));
     bool wasCut = false;
     return cutToReadable(text.get(), &wasCut);

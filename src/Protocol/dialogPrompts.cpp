@@ -140,7 +140,7 @@ gboolean closeCall(MainWindow *)
 {
     if (audioVideoDialog) {
         log_print(levelTrace, __LINE__, handlerName, "Closing AV dialog box ");
-        destroyDialogBox(audioVideoDialog);
+        closeCallDialog();
     }
     return G_SOURCE_REMOVE;
 }

@@ -54,6 +54,7 @@ OwnedText readTechnicianName(const Report &report)
     if (g_strv_length(const_cast<char **>(report.fields)) != fieldCount)
         return nullptr;
     OwnedText name = unescape_text(report.field(2));
+    // As it can be read: a name forges no line of the log.
     UI_INFO_AS("handleSessionStatusMessage", "received techincian name %s ",
                name ? plainName(name.get()).get() : "(null)");
     return name;
