@@ -57,4 +57,5 @@ int log_close();
 #define UI_INFO_AS(function, ...) log_print(levelInfo, __LINE__, function, __VA_ARGS__)
 #define UI_DEBUG(...) log_print(levelDebug, __LINE__, __func__, __VA_ARGS__)
 #define UI_ERROR(...) log_print(levelError, __LINE__, __func__, __VA_ARGS__)
+#define UI_ERROR_AS(function, ...) log_print(levelError, __LINE__, function, __VA_ARGS__)
 #define UI_TRACE(...) log_print(levelTrace, __LINE__, __func__, __VA_ARGS__)

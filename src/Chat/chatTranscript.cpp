@@ -132,7 +132,7 @@ bool isTrap(const char *path)
 
 void logWriteError()
 {
-    log_print(levelError, __LINE__, "SaveChatTranscript", "error writing chat transcript %s", g_strerror(errno));
+    UI_ERROR_AS("SaveChatTranscript", "error writing chat transcript %s", g_strerror(errno));
 }
 
 /// A file that can't be opened is passed over in silence.

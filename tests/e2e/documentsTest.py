@@ -13,7 +13,7 @@ FRONT_DOORS = ("src/Utils/Utils.h", "src/Dialog/dialog.h", "src/IdleThread/IdleT
 _LITERAL = r'"(?:[^"\\\n]|\\.)*"'
 _TEXT = rf"{_LITERAL}(?:\s*{_LITERAL})*"
 _COMMENT = re.compile(rf"({_LITERAL})|//[^\n]*|/\*.*?\*/", re.DOTALL)
-_CALL = re.compile(r"\b(?:UI_(?P<level>ERROR|INFO|INFO_AS|TRACE|DEBUG)|log_print)\((?P<arguments>.*?)\);", re.DOTALL)
+_CALL = re.compile(r"\b(?:UI_(?P<level>ERROR|INFO|TRACE|DEBUG)(?P<named>_AS)?|log_print)\((?P<arguments>.*?)\);", re.DOTALL)
 # Log texts that stand in a table, or are handed to the function that logs them.
 _TABLES = {
     "src/Dialog/questionTable.cpp": rf"\{{Line::\w+, (?:nullptr|{_LITERAL}), \w+, ({_TEXT})\}}",
@@ -48,7 +48,7 @@ def log_texts():
             level, arguments = call["level"] or "", call["arguments"]
             if level == "DEBUG" or "levelDebug" in arguments:
                 continue
-            if level == "INFO_AS":
+            if call["named"]:
                 arguments = arguments.split(",", 1)[1]
             texts |= {(level, spoken(literals)) for literals in re.findall(_TEXT, arguments)}
         pattern = _TABLES.get(str(path.relative_to(TOP)))
@@ -85,7 +85,7 @@ class Troubleshooting(unittest.TestCase):
     def test_finds_log_texts_of_every_kind_in_the_sources(self):
         for text in (("ERROR", "Could not create desktop file: …"), ("INFO", "User Path Set"),
                      ("INFO", "error reading resoruce file …"), ("INFO", "User has reJected session"),
-                     ("INFO_AS", "Active user is …"), ("INFO", "chat is disabled"),
+                     ("INFO", "Active user is …"), ("INFO", "chat is disabled"),
                      ("INFO", "set_widget_margins: error getting margin_end/margin_right")):
             self.assertIn(text, self.texts)
         self.assertGreater(len(self.quoted), 90)

@@ -28,10 +28,10 @@ _TABLE = "src/Dialog/questionTable.cpp"
 _INDIRECT = {
     ("src/Utils/mainWindowBuilder.cpp", "tool.tooltip"):
         [("src/Utils/mainWindowBuilder.cpp", rf"&Annotation::\w+Path,\s*{_LITERAL},\s*({_TEXT})\}}")],
-    ("src/Dialog/confirmationDialogs.cpp", "question.text"): [(_TABLE, rf"\.text = ({_TEXT})")],
     ("src/Dialog/dialogShape.cpp", "message"):
         [(_TABLE, rf"\.text = ({_TEXT})"),
          ("src/Dialog/*.cpp", rf"custom_dialog\({_TEXT}, {_TEXT}, {_TEXT},\s*({_TEXT})\)")],
+    ("src/Dialog/questionDialog.cpp", "text"): [(_TABLE, rf"\.text = ({_TEXT})")],
     ("src/Dialog/questionDialog.cpp", "label"):
         [(_TABLE, rf"\.(?:accept|reject)Label = ({_TEXT}),(?=(?:(?!\.id).)*\.traits = [^}}]*translatesLabels)")],
 }
