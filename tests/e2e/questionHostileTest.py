@@ -62,9 +62,7 @@ WRONG_FIELDS = [
     Row("initswap a b", SWAP % "(null)", "Cancel", [RESPONSE + "swapRejected", gone("initswap")]),
     Row("fileTransfer", None, ESCAPE, [gone("fileChooserDialog")]),
     Row("fileTransfer a b", None, ESCAPE, [gone("fileChooserDialog")]),
-    Row("command", CONTROL % "", "Yes", [RESPONSE + "controlApproved "]),
     Row("command 9 41", CONTROL % "9", "Yes", [RESPONSE + "controlApproved 9"]),
-    Row("command  41", CONTROL % "", "No", [RESPONSE + "controlRefused"]),
     Row("fileTransferReceive", ".", ESCAPE, ["monitorData fileTransferRecive", RESPONSE + "FTCancel"]),
     Row("acall a", CALL, "Reject", [RESPONSE + "AVReject"]),
     Row("vcall a b", CALL, "Reject", [RESPONSE + "AVReject"]),
@@ -94,6 +92,9 @@ BEYOND_READING = [
     ("launchScript " + "x" * MEGABYTE, "Allow", "Deny", [gone("scriptLauncherDialog")]),
     ("launchScript " + "\u00fc" * MEGABYTE, "Allow", "Deny", [gone("scriptLauncherDialog")]),
     ("command " + "x" * MEGABYTE, "Yes", "No", [RESPONSE + "controlRefused"]),
+    ("command", "Yes", "No", [RESPONSE + "controlRefused"]),
+    ("command  41", "Yes", "No", [RESPONSE + "controlRefused"]),
+    (b"command \xff", "Yes", "No", [RESPONSE + "controlRefused"]),
 ]
 ODD_WORDS = [
     Row("userConcent " + encoded(b"caf\xe9 \xff?"), "caf\ufffd \ufffd?", ESCAPE, consent("disapproved")),
@@ -112,7 +113,6 @@ ODD_WORDS = [
     Row(b"launchScript a\rb\0c", SCRIPT % "a\ufffdb\ufffdc", "Deny", [gone("scriptLauncherDialog")]),
     Row("command gtklabel", CONTROL % "gtklabel", "Yes", [RESPONSE + "controlApproved gtklabel"]),
     Row("command %n%s", CONTROL % "%n%s", "Yes", [RESPONSE + "controlApproved %n%s"]),
-    Row(b"command \xff", CONTROL % "\ufffd", "Yes", [RESPONSE + "controlApproved \udcff"]),
     Row("command 51", CONTROL % "Ann\ufffdTom\ufffd", "Yes", [RESPONSE + "controlApproved 51"]),
     Row("command 52", CONTROL % "\ufffd", "Yes", [RESPONSE + "controlApproved 52"]),
     Row("command 53", CONTROL % "", "No", [RESPONSE + "controlRefused"]),
