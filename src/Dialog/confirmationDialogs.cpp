@@ -266,9 +266,9 @@ gboolean show_dialog_transfer_control_demo(MainWindow *mainwindow)
     if (name)
         UI_INFO("parse confromation text");
     const Question &question = findQuestion(QuestionId::participantControl);
-    const OwnedText text = name || hasVisibleText(displayable_text(identifier.get()).get())
-                               ? controlText(name ? name : identifier.get())
-                               : OwnedText(g_strdup("")); // nobody can agree to a control that nobody asks for
+    // Nobody can agree to a control that nobody asks for.
+    const bool isNobody = !name && !hasVisibleText(displayable_text(identifier.get()).get());
+    const OwnedText text = isNobody ? OwnedText(g_strdup("")) : controlText(name ? name : identifier.get());
     GtkWidget *dialog = buildQuestion(question, mainwindow, text.get());
     g_object_set(findLabel(dialog), "margin", controlLabelMarginPx, nullptr);
     if (!name)
