@@ -42,6 +42,7 @@ _QUESTIONS = (
     ("dialogPrompt fileTransferReceive manual.pdf", "Save", None),
     ("clipboard", "Allow once", None),
 )
+_NOTICE = "Your computer does not support Annotation."  # of "not32", for three seconds
 _IN_PANEL = {"Participant": ("push button", "More: Ann Lee"), "Chat": ("text", "Message")}
 
 
@@ -109,6 +110,8 @@ def _play(session):
     for line in _LINES:
         recording.send(line)
     recording.application.has_label("Ann Lee")
+    recording.application.gone("label", _NOTICE)  # everything below it moves up
+    session.settled()
     recording.look("connected")
     recording.press("More")
     recording.press("Go to Website", "menu item")
