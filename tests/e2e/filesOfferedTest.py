@@ -178,7 +178,7 @@ class TheFolder(OfferCase):
         """Root loses what lifts it above the rights of files."""
         ordinary = ["setpriv", "--bounding-set=-dac_override,-dac_read_search"] if os.geteuid() == 0 else []
         home = self.home_with_folders(closed=0o555, good=0o755)
-        self.begin(home=home, wrapper=ordinary)
+        self.begin(home=home, wrapper=ordinary, speed=1)  # the notice stays three seconds
         self.offer("a.txt")
         self.change_path("closed")
         self.session.log.expect("You Dont Have access")

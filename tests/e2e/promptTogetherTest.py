@@ -235,7 +235,7 @@ class ASwapOfScreens(PromptCase):
         self.assertEqual(self.session.warnings(), [])
 
     def test_that_was_rejected_leaves_everything_but_the_waiting(self):
-        self.begin()
+        self.begin(speed=1)  # a notice stays three seconds
         dialog = self.ask("dialogPrompt initswap Bob")
         self.mark()
         self.session.send("initSwap toManyUsers")

@@ -211,7 +211,7 @@ class TheFile(TranscriptCase):
     def test_is_not_written_without_rights(self):
         # root loses what lifts it above the rights of files
         ordinary = ["setpriv", "--bounding-set=-dac_override,-dac_read_search"] if os.geteuid() == 0 else []
-        self.begin(wrapper=ordinary)
+        self.begin(wrapper=ordinary, speed=1)  # a notice stays three seconds
         for name, mode in (("r", 0o555), ("w", 0o333)):
             with self.subTest(oct(mode)):
                 before = self.session.log.count("You Dont Have access")
@@ -230,7 +230,7 @@ class TheFile(TranscriptCase):
         bookmarks.parent.mkdir(parents=True)
         bookmarks.write_text(f"file://{folder}\n")
         folder.mkdir()
-        self.begin(home=home)
+        self.begin(home=home, speed=1)
         self.ask()
         click(self.application.find("label", "saved"))  # beside the list, and then above it
         self.application.find("toggle button", "saved")
