@@ -14,7 +14,8 @@ from session import SessionCase  # noqa: E402
 from waiting import until  # noqa: E402
 
 POSITION = "dialogResponse dialog_position "
-_NOISE = ("Received Ping UI", "Unhandled message  settled-", "Session Status Message recived ", "file opened properly ")
+_NOISE = ("Received Ping UI", "Checking ss is alive", "Unhandled message  settled-", "Session Status Message recived ",
+          "file opened properly ")
 
 
 def encoded(text):

@@ -114,9 +114,9 @@ class InAnotherSession(PromptCase):
     def reach(self, dialog, name):
         """Goes by Tab from control to control."""
         for _ in range(4):
-            if dialog.focused() == name:
-                return
             before = dialog.focused()
+            if before == name:
+                return
             self.press_key(dialog, "Tab")
             until(lambda: dialog.focused() not in (None, before), f"the keyboard leaves {before!r}")
         self.fail(f"Tab never reaches {name!r}")

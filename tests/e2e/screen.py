@@ -209,12 +209,26 @@ def click(accessible, button=1):
     if under_wayland() and accessible.get_role_name() == "menu item":
         accessible.get_action_iface().do_action(0)
         return
-    press(*place_of(accessible), button)
+    point_at(accessible)
+    xdotool("click", button)
+
+
+def point_at(accessible):
+    """Moves the pointer to a control until it is there: layouts move it, and a tooltip that covers it goes by that."""
+    aim = None
+    while aim != (place := place_of(accessible)):
+        aim = place
+        _move(*aim)
 
 
 def press(x, y, button=1):
+    _move(x, y)
+    xdotool("click", button)
+
+
+def _move(x, y):
     # A compositor sees what is under a pointer that moves.
-    xdotool("mousemove", x - 1, y, "mousemove", x, y, "click", button)
+    xdotool("mousemove", x - 1, y, "mousemove", x, y)
 
 
 def key(*names):

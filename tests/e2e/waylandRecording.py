@@ -136,7 +136,7 @@ def _play(session):
 def record():
     home = Home()
     home.install_agent()
-    session = Session(home)
+    session = Session(home, speed=2)  # the question whether to reboot goes by itself
     try:
         return _play(session.ready())
     finally:
