@@ -29,7 +29,7 @@ class RootCase(SessionCase):
     def pipes_are(self, session, folder):
         self.assertEqual(session.log.count(f"pipe created {folder}/Status"), 1, session.log.messages())
         self.assertEqual(session.log.count(f"pipe created {folder}/myfifo"), 1)
-        self.assertEqual(session.agent.lines()[0], "SendSessionDetails")
+        session.agent.expect("SendSessionDetails")
 
     def has_pictures(self, session):
         """A missing style sheet would be complained about."""
