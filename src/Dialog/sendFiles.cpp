@@ -18,7 +18,7 @@ char *g_receiverId = nullptr;
 
 namespace
 {
-constexpr char kind[] = "fileChooserDialog";
+constexpr char chooserKind[] = "fileChooserDialog";
 constexpr int sendResponse = 12;
 constexpr gint64 largestFileBytes = 2147483648;
 
@@ -80,7 +80,7 @@ GtkWidget *newFileChooser()
 gboolean show_file_chooser_dialog(MainWindow *mainwindow)
 {
     UI_ENTER();
-    if (!claimKind(mainwindow, kind, __func__))
+    if (!claimKind(mainwindow, chooserKind, __func__))
         return FALSE;
     // A prompt for somebody else may come while the customer chooses: these files go to the one that was asked for.
     const OwnedText receiver = takeText(&mainwindow->mutex, g_receiverId);
@@ -91,7 +91,7 @@ gboolean show_file_chooser_dialog(MainWindow *mainwindow)
         g_slist_free_full(files, g_free);
     }
     gtk_widget_destroy(chooser);
-    delete_active_dialog(mainwindow->active_dialogs, &mainwindow->mutex, kind);
+    delete_active_dialog(mainwindow->active_dialogs, &mainwindow->mutex, chooserKind);
     return FALSE;
 }
 

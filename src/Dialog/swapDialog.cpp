@@ -18,7 +18,7 @@ char *swapTechnicianName = nullptr;
 
 namespace
 {
-constexpr char kind[] = "initswap";
+constexpr char swapKind[] = "initswap";
 constexpr int contentSpacingPx = 5;
 constexpr int spinnerMarginPx = 10;
 constexpr int labelMarginPx = 20;
@@ -60,7 +60,7 @@ void closeSwapDialog()
 gboolean show_swapscreen_dialog(MainWindow *mainwindow)
 {
     UI_ENTER();
-    if (!claimKind(mainwindow, kind, __func__))
+    if (!claimKind(mainwindow, swapKind, __func__))
         return FALSE;
     const OwnedText text = waitingText(mainwindow);
     GtkWidget *dialog = newQuestionWindow("");
@@ -75,7 +75,7 @@ gboolean show_swapscreen_dialog(MainWindow *mainwindow)
     connect_signal(dialog, "destroy", gtk_widget_destroyed, &swapDialog);
     centreDialog(dialog);
     guardFromKeyboard(dialog, mainwindow);
-    reportPosition(dialog, kind);
+    reportPosition(dialog, swapKind);
     connect_signal(dialog, "response", on_response_swap, mainwindow);
     gtk_widget_show_all(dialog);
     return FALSE;
@@ -85,6 +85,6 @@ void on_response_swap(GtkDialog *dialog, int, MainWindow *mainwindow)
 {
     UI_ENTER();
     encodeDialogeResponseMessage("swapRejected", g_UiStatus);
-    delete_active_dialog(mainwindow->active_dialogs, &mainwindow->mutex, kind);
+    delete_active_dialog(mainwindow->active_dialogs, &mainwindow->mutex, swapKind);
     gtk_widget_destroy(GTK_WIDGET(dialog));
 }

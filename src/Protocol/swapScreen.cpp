@@ -11,7 +11,7 @@
 
 namespace
 {
-constexpr char handlerName[] = "handleSwapScreenMessage";
+constexpr char swapHandler[] = "handleSwapScreenMessage";
 
 gboolean endWaiting(MainWindow *)
 {
@@ -41,21 +41,21 @@ gboolean showTooManyUsers(MainWindow *mainwindow)
 
 void handleApproved(MainWindow *mainwindow)
 {
-    UI_INFO_AS(handlerName, " Swap Screen has been approved");
+    UI_INFO_AS(swapHandler, " Swap Screen has been approved");
     run_on_main(endWaiting, mainwindow);
     run_on_main(destroyMainWindow, mainwindow);
 }
 
 void handleRejected(MainWindow *mainwindow)
 {
-    UI_INFO_AS(handlerName, " Swap Screen has been Rejected");
+    UI_INFO_AS(swapHandler, " Swap Screen has been Rejected");
     run_on_main(endWaiting, mainwindow);
     run_on_main(showRejected, mainwindow);
 }
 
 void handleTooManyUsers(MainWindow *mainwindow)
 {
-    UI_INFO_AS(handlerName, "swap screen not support in demo");
+    UI_INFO_AS(swapHandler, "swap screen not support in demo");
     run_on_main(showTooManyUsers, mainwindow);
 }
 

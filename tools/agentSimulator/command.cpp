@@ -30,12 +30,12 @@ ParsedLine made(CommandKind kind, std::string text, long number = 0)
     return {Command{kind, std::move(text), number}, {}};
 }
 
-struct Words {
+struct SplitText {
     std::string_view first;
     std::string_view rest;
 };
 
-Words splitFirstWord(std::string_view text)
+SplitText splitFirstWord(std::string_view text)
 {
     text = trimmed(text);
     const size_t end = text.find_first_of(" \t");
@@ -44,7 +44,7 @@ Words splitFirstWord(std::string_view text)
     return {text.substr(0, end), trimmed(text.substr(end))};
 }
 
-Words splitLastWord(std::string_view text)
+SplitText splitLastWord(std::string_view text)
 {
     const size_t begin = text.find_last_of(" \t");
     if (begin == std::string_view::npos)
@@ -112,9 +112,9 @@ ParsedLine parseExit(std::string_view rest)
 ParsedLine parseExpectation(CommandKind kind, std::string_view rest)
 {
     long timeoutMs = defaultTimeoutMs;
-    const Words tail = splitLastWord(rest);
+    const SplitText tail = splitLastWord(rest);
     const std::optional<long> number = readNumber(tail.first, maxNumber);
-    const Words before = splitLastWord(tail.rest);
+    const SplitText before = splitLastWord(tail.rest);
     if (number && before.first == "timeout") {
         timeoutMs = *number;
         rest = before.rest;
@@ -139,7 +139,7 @@ ParsedLine parseExpectPrefix(std::string_view rest)
 
 ParsedLine parsePing(std::string_view rest)
 {
-    const Words words = splitFirstWord(rest);
+    const SplitText words = splitFirstWord(rest);
     if (words.first == "off" && words.rest.empty())
         return made(CommandKind::pingOff, {});
     const std::optional<long> periodMs = words.rest.empty() ? defaultPingMs : readNumber(words.rest, maxNumber);
@@ -177,7 +177,7 @@ ParsedLine parseTechnicianName(std::string_view rest)
 ParsedLine parseParticipantAdd(std::string_view identifier, std::string_view rest)
 {
     std::string_view flag = "true";
-    const Words tail = splitLastWord(rest);
+    const SplitText tail = splitLastWord(rest);
     if (!tail.rest.empty() && (tail.first.starts_with("true") || tail.first.starts_with("false"))) {
         flag = tail.first;
         rest = tail.rest;
@@ -187,8 +187,8 @@ ParsedLine parseParticipantAdd(std::string_view identifier, std::string_view res
 
 ParsedLine parseParticipant(std::string_view rest)
 {
-    const Words verb = splitFirstWord(rest);
-    const Words fields = splitFirstWord(verb.rest);
+    const SplitText verb = splitFirstWord(rest);
+    const SplitText fields = splitFirstWord(verb.rest);
     if (fields.rest.empty())
         return failed("\"add ID NAME [flag]\", \"delete ID NAME\" or \"modify ID flag\" is wanted");
     const std::optional<std::string> last = unescapeText(fields.rest);
@@ -260,7 +260,7 @@ const CommandWord *findCommandWord(std::string_view word)
 
 ParsedLine parseLine(std::string_view line)
 {
-    const Words words = splitFirstWord(line);
+    const SplitText words = splitFirstWord(line);
     if (words.first.empty() || words.first[0] == '#')
         return {};
     const CommandWord *const row = findCommandWord(words.first);

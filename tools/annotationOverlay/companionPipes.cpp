@@ -14,7 +14,6 @@
 namespace
 {
 
-constexpr char exitCommand[] = "Exit";
 constexpr char normalReport[] = "normal";
 constexpr int reportTries = 100;
 constexpr gulong reportStepUs = 10000;

@@ -4,6 +4,7 @@
 #include "tools/annotationOverlay/overlayWindow.h"
 
 #include "tools/annotationOverlay/backdrop.h"
+#include "tools/annotationOverlay/companionPipes.h"
 #include "tools/annotationOverlay/drawing.h"
 
 #include <gtk/gtk.h>
@@ -27,7 +28,6 @@ constexpr ToolCommand toolCommands[] = {
     {"2", Tool::pen}, {"3", Tool::rectangle}, {"4", Tool::ellipse}, {"6", Tool::eraser}, {"8", Tool::line},
 };
 constexpr char clearCommand[] = "7";
-constexpr char exitCommand[] = "Exit";
 
 /// The overlay; one for the program.
 struct Overlay {

@@ -155,7 +155,7 @@ GtkWidget *buildToggle(Console *console, const char *label, void (*handler)(GtkT
     return toggle;
 }
 
-GtkWidget *buildBar(Console *console)
+GtkWidget *buildRecordBar(Console *console)
 {
     GtkWidget *const bar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
     gtk_box_pack_start(GTK_BOX(bar), buildText("Conversation", "heading"), FALSE, FALSE, 0);
@@ -179,7 +179,7 @@ GtkWidget *buildConversation(Console *console)
     connect_signal(height, "value-changed", on_scrolled, console);
 
     GtkWidget *const box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
-    gtk_box_pack_start(GTK_BOX(box), buildBar(console), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), buildRecordBar(console), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), scroller, TRUE, TRUE, 0);
     return box;
 }

@@ -142,7 +142,7 @@ GtkWidget *addButton(GtkWidget *bar, GtkWidget *button)
     return button;
 }
 
-GtkWidget *buildBar(Console *console)
+GtkWidget *buildScriptBar(Console *console)
 {
     GtkWidget *const bar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
     console->recordButton = addButton(bar, gtk_toggle_button_new_with_mnemonic("_Record"));
@@ -183,7 +183,7 @@ void addScriptPage(Console *console)
     gtk_style_context_add_class(gtk_widget_get_style_context(page), "form");
     console->scriptState = buildText("Write, open or record a script", "quiet");
     gtk_label_set_ellipsize(GTK_LABEL(console->scriptState), PANGO_ELLIPSIZE_END);
-    gtk_box_pack_start(GTK_BOX(page), buildBar(console), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(page), buildScriptBar(console), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(page), buildEditor(console), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(page), console->scriptState, FALSE, FALSE, 0);
     gtk_stack_add_titled(GTK_STACK(console->stack), page, "Script", "Script");
