@@ -188,13 +188,18 @@ class QuestionsBesideAChooser(Ending):
     def test_come_in_their_order_in_a_burst(self):
         self.begin()
         windows = self.session.windows
-        done = {None, windows.find("Brindle").id}
+        main_window = windows.find("Brindle").id
+
+        def asks(left):
+            """Whether so many questions are on the screen, one of which has the keyboard."""
+            questions = set(windows.managed()) - {main_window}
+            return len(questions) == left and windows.active() in questions
+
         self.session.send("\n".join(f"dialogPrompt configureURS {number}" for number in range(20)))
         until(lambda: len(self.application.shown_all("dialog")) == 20, lambda: self.application.describe())
         before = len(self.session.agent.lines())
         for number in range(20):
-            until(lambda: windows.active() not in done, "another question has the keyboard")
-            done.add(windows.active())
+            until(lambda: asks(20 - number), lambda: f"{windows.active()} has the keyboard, of {windows.managed()}")
             key("Escape")
             until(lambda: len(self.session.agent.lines()) > before + number, "an answer")
         answers = self.session.agent.lines()[before:]
