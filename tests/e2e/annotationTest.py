@@ -33,7 +33,8 @@ class TheOverlay(AnnotationCase):
             key("Escape")
             self.gone(overlay)
             self.ended(closings)
-            self.application.gone("label", HINT)  # the buttons move as it goes
+            self.application.gone("label", HINT)
+            self.application.gone("push button", "Pen")  # the buttons move as the panel closes
 
     def test_may_be_killed_and_started_again(self):
         self.begin()

@@ -3,6 +3,7 @@
 import functools
 import os
 import subprocess
+import time
 import warnings
 
 import gi
@@ -18,6 +19,7 @@ from waylandCompositor import Compositor  # noqa: E402
 warnings.simplefilter("ignore")
 Atspi.init()
 _TIMEOUT_MS = 5000
+_FRAMES_SECONDS = 0.03  # two frames, in which a layout that is due is done
 Atspi.set_timeout(_TIMEOUT_MS, _TIMEOUT_MS)
 
 
@@ -219,6 +221,7 @@ def point_at(accessible):
     while aim != (place := place_of(accessible)):
         aim = place
         _move(*aim)
+        time.sleep(_FRAMES_SECONDS)
 
 
 def press(x, y, button=1):

@@ -16,6 +16,13 @@ class TimedOut(AssertionError):
     """What was waited for did not come."""
 
 
+def _ask(question):
+    try:
+        return question()
+    except GLib.Error:  # the accessible tree changed while it was looked at
+        return None
+
+
 def until(question, what, seconds=15):
     """Asks again every few milliseconds until the answer is true, and gives it.
 
@@ -26,7 +33,7 @@ def until(question, what, seconds=15):
     while True:
         while context.iteration(False):  # news of the accessible tree arrives here
             pass
-        answer = question()
+        answer = _ask(question)
         if answer:
             return answer
         if time.monotonic() > end:
