@@ -23,7 +23,7 @@ class OfferCase(SessionCase):
     def begin(self, **options):
         self.session = self.start(kind="ras", **options).ready()
         self.application = self.session.application
-        self.before = len(self.session.agent.lines())
+        self.before = len(until(self.session.agent.lines, "the first line of all"))
 
     def offer(self, fields):
         self.session.send(b"dialogPrompt fileTransferReceive " + (fields if isinstance(fields, bytes) else fields.encode()))

@@ -199,8 +199,6 @@ class Session:
         """Waits until start-up is over: the window is there and a line from the agent is answered."""
         self.log.expect("normal session" if self.kind in (None, "", "normal") else "Threads created")
         self.settled()
-        if self.agent and self.kind == "ras":
-            until(self.agent.lines, "the first line of all")
         return self
 
     def settled(self):
