@@ -32,8 +32,8 @@ GSList *nestedDialogs = nullptr;
 
 // How long callbacks run before the window may draw and answer again.
 constexpr gint64 sliceUs = 8000;
-// How long they may wait while the window does nothing but draw.
-constexpr guint starvingMs = 100;
+// How long they may wait while the window does nothing but draw; drawing keeps most of the time even so.
+constexpr guint starvingMs = 20;
 
 /// A callback on its way to the main thread.
 struct Task {

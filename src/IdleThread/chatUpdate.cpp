@@ -12,7 +12,9 @@
 namespace
 {
 
-constexpr gint64 renderTimeUs = 10000; // then other callbacks and the screen get their turn
+// Then the other callbacks get their turn: half of the time they have together before the screen gets its own, so that
+// none of them waits for a second one while messages pour in.
+constexpr gint64 renderTimeUs = 4000;
 
 void openPanel(ChatWindow *chatwindow)
 {
