@@ -4,39 +4,17 @@ import os
 import pathlib
 import subprocess
 
+from offerCase import DIALOG, OPENED, REFUSED, OfferCase, SeatCase, accepted
 from screen import click, key
-from session import FAST, SANDBOX, Home, SessionCase, faster_clock, main
+from session import FAST, Home, faster_clock, main
 from waiting import until
 
-DIALOG = "Receive File"
 CHOOSER = "Open File"
 NO_RIGHTS = "You don't have enough privilege to access the file"
-OPENED, CHOSEN = "monitorData fileTransferRecive", "monitorData fileTransferSend"
-REFUSED = "dialogResponse FTCancel"
+CHOSEN = "monitorData fileTransferSend"
 
 
-def accepted(path):
-    return "dialogResponse FTAccept " + str(path).replace("/", "%2F")
-
-
-class OfferCase(SessionCase):
-    def begin(self, **options):
-        self.session = self.start(kind="ras", **options).ready()
-        self.application = self.session.application
-        self.before = len(until(self.session.agent.lines, "the first line of all"))
-
-    def offer(self, fields):
-        self.session.send(b"dialogPrompt fileTransferReceive " + (fields if isinstance(fields, bytes) else fields.encode()))
-
-    def expect(self, *lines):
-        self.session.agent.expect(*lines, after=self.before)
-
-    def press(self, name):
-        click(self.application.find("push button", name))
-
-    def dialog_is_gone(self):
-        self.application.gone("dialog", DIALOG)
-
+class ChooserCase(OfferCase):
     def change_path(self, bookmark):
         self.open_chooser()
         self.choose(bookmark)
@@ -163,7 +141,7 @@ class AnOffer(OfferCase):
         until(lambda: all(abs(a - b) <= 8 for a, b in zip(corner(), (1280, 800))), lambda: corner())
 
 
-class TheFolder(OfferCase):
+class TheFolder(ChooserCase):
     def test_is_the_one_that_the_customer_chooses(self):
         self.begin(home=self.home_with_folders(good=0o755))
         folder = self.session.home.path / "good"
@@ -214,37 +192,8 @@ class TheFolder(OfferCase):
         self.assertEqual(self.session.warnings(), [])
 
 
-class TheDownloadsFolder(OfferCase):
-    """Of the user at the seat, as a login manager on a bus of its own says."""
-
-    def login_manager(self, kind="x11"):
-        bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"], stdout=subprocess.PIPE,
-                               text=True)
-        self.addCleanup(bus.wait)
-        self.addCleanup(bus.kill)
-        environment = {**os.environ, "DBUS_SYSTEM_BUS_ADDRESS": bus.stdout.readline().strip()}
-        mock = subprocess.Popen(["/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "logind"],
-                                env=environment, stdout=subprocess.DEVNULL)
-        self.addCleanup(mock.wait)
-        self.addCleanup(mock.kill)
-
-        def call(path, method, *arguments):
-            subprocess.run(["gdbus", "call", "--system", "-d", "org.freedesktop.login1", "-o", path, "-m", method,
-                            *arguments], env=environment, check=True, stdout=subprocess.DEVNULL)
-
-        subprocess.run(["gdbus", "wait", "--system", "--timeout", "20", "org.freedesktop.login1"], env=environment,
-                       check=True)
-        call("/org/freedesktop/login1", "org.freedesktop.DBus.Mock.AddSession", "c1", "seat0", "2000", "ann", "true")
-        call("/org/freedesktop/login1/session/c1", "org.freedesktop.DBus.Mock.UpdateProperties",
-             "org.freedesktop.login1.Session", '{"Type": <"%s">}' % kind)
-        return environment["DBUS_SYSTEM_BUS_ADDRESS"]
-
-    def begin_at_seat(self, kind="x11"):
-        """In a system of its own that has the user; the program may make folders there."""
-        setup = ("grep -v '^ann:' /etc/passwd >/etc/passwd.new; echo 'ann:x:2000:2000::/home/ann:/bin/sh' "
-                 ">>/etc/passwd.new; cp /etc/passwd.new /etc/passwd; mkdir -p /home/ann; chown 2000:2000 /home/ann; "
-                 "umask 077")
-        self.begin(wrapper=[SANDBOX, setup], environment={"DBUS_SYSTEM_BUS_ADDRESS": self.login_manager(kind)})
+class TheDownloadsFolder(SeatCase):
+    """Of the user at the seat."""
 
     def seen_by_program(self, path):
         return pathlib.Path(f"/proc/{self.session.pid}/root{path}")
