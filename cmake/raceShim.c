@@ -29,6 +29,14 @@ REAL(gboolean, g_mutex_trylock, GMutex *mutex)
     return locked;
 }
 
+REAL(gboolean, g_cond_wait_until, GCond *condition, GMutex *mutex, gint64 end)
+{
+    __tsan_release(mutex);
+    const gboolean signalled = __real_g_cond_wait_until(condition, mutex, end);
+    __tsan_acquire(mutex);
+    return signalled;
+}
+
 REAL(void, g_async_queue_push, GAsyncQueue *queue, gpointer item)
 {
     __tsan_release(queue);

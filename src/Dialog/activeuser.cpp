@@ -1,5 +1,6 @@
 // Asks the login manager over the system bus who owns the active graphical session of seat0. The bus functions are
-// looked up at run time. The log texts end in a newline of their own, on purpose.
+// looked up at run time. A bus or manager that hangs is given up soon, as the window does nothing meanwhile. The log
+// texts end in a newline of their own, on purpose.
 
 #include "src/Dialog/activeuser.h"
 
@@ -41,6 +42,68 @@ struct TextDeleter {
 using Bus = std::unique_ptr<GDBusConnection, BusDeleter>;
 using Variant = std::unique_ptr<GVariant, VariantDeleter>;
 using Text = std::unique_ptr<char, TextDeleter>;
+
+/// Cancels what waits for an answer, once it has taken too long or the program is to end. Its own thread watches, as
+/// the main thread is the one that waits.
+class Deadline
+{
+public:
+    Deadline()
+    {
+        g_mutex_init(&m_mutex);
+        g_cond_init(&m_isOverCondition);
+        m_thread = g_thread_new("deadline", watch, this);
+    }
+    ~Deadline()
+    {
+        {
+            const MutexLock lock(&m_mutex);
+            m_isOver = true;
+        }
+        g_cond_signal(&m_isOverCondition);
+        g_thread_join(m_thread);
+        g_object_unref(m_cancellable);
+        g_cond_clear(&m_isOverCondition);
+        g_mutex_clear(&m_mutex);
+    }
+    Deadline(const Deadline &) = delete;
+    Deadline &operator=(const Deadline &) = delete;
+    /// Borrowed.
+    GCancellable *cancellable() const { return m_cancellable; }
+
+private:
+    // Steps are counted, no clock is read: after a stop of the whole machine the manager has its time again.
+    static constexpr gint64 stepUs = 50'000;
+    static constexpr int longestWaitSteps = 40;
+
+    static gpointer watch(gpointer self)
+    {
+        auto *const deadline = static_cast<Deadline *>(self);
+        if (!deadline->waitForAnswers())
+            g_cancellable_cancel(deadline->m_cancellable);
+        return nullptr;
+    }
+    /// False when the answers have not come in time.
+    bool waitForAnswers()
+    {
+        const MutexLock lock(&m_mutex);
+        for (int step = 0; step < longestWaitSteps && !m_isOver && !quit_requested(); step++)
+            g_cond_wait_until(&m_isOverCondition, &m_mutex, g_get_monotonic_time() + stepUs);
+        return m_isOver;
+    }
+
+    GCancellable *m_cancellable = g_cancellable_new();
+    GMutex m_mutex;
+    GCond m_isOverCondition;
+    bool m_isOver = false; ///< under `m_mutex`
+    GThread *m_thread;
+};
+
+/// A way to the login manager for as long as one question after its user may take.
+struct Lookup {
+    Deadline deadline;
+    Bus bus;
+};
 
 /// One property of an object of the login manager.
 struct Property {
@@ -97,10 +160,10 @@ void reportFailure(const char *function, const char *step, GError *error)
         p_g_error_free(error);
 }
 
-Bus connectToSystemBus()
+Bus connectToSystemBus(const Deadline &deadline)
 {
     GError *error = nullptr;
-    Bus bus(p_g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
+    Bus bus(p_g_bus_get_sync(G_BUS_TYPE_SYSTEM, deadline.cancellable(), &error));
     if (bus) // a restart of the bus must not end the session
         g_object_set(bus.get(), "exit-on-close", FALSE, nullptr);
     else
@@ -109,12 +172,12 @@ Bus connectToSystemBus()
 }
 
 /// Reads a property. @return its value; null when it has another type, or after an error.
-Variant readProperty(const Bus &bus, const Property &property, GError **error)
+Variant readProperty(const Lookup &lookup, const Property &property, GError **error)
 {
-    const Variant reply(p_g_dbus_connection_call_sync(bus.get(), "org.freedesktop.login1", property.path,
-                                                      "org.freedesktop.DBus.Properties", "Get",
-                                                      p_g_variant_new("(ss)", property.interfaceName, property.name),
-                                                      nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, error));
+    const Variant reply(p_g_dbus_connection_call_sync(
+        lookup.bus.get(), "org.freedesktop.login1", property.path, "org.freedesktop.DBus.Properties", "Get",
+        p_g_variant_new("(ss)", property.interfaceName, property.name), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
+        lookup.deadline.cancellable(), error));
     if (!reply || !g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(v)")))
         return nullptr;
     GVariant *value = nullptr;
@@ -123,9 +186,9 @@ Variant readProperty(const Bus &bus, const Property &property, GError **error)
     return g_variant_is_of_type(value, G_VARIANT_TYPE(property.type)) ? std::move(owned) : nullptr;
 }
 
-Text readText(const Bus &bus, const Property &property, GError **error)
+Text readText(const Lookup &lookup, const Property &property, GError **error)
 {
-    const Variant value = readProperty(bus, property, error);
+    const Variant value = readProperty(lookup, property, error);
     char *text = nullptr;
     if (value)
         p_g_variant_get(value.get(), "s", &text);
@@ -133,10 +196,10 @@ Text readText(const Bus &bus, const Property &property, GError **error)
 }
 
 /// Path of the seat's active session, or null.
-Text findSession(const Bus &bus)
+Text findSession(const Lookup &lookup)
 {
     GError *error = nullptr;
-    const Variant value = readProperty(bus, {seatPath, seatInterface, "ActiveSession", "(so)"}, &error);
+    const Variant value = readProperty(lookup, {seatPath, seatInterface, "ActiveSession", "(so)"}, &error);
     if (error) {
         reportFailure("getActiveUser", "Get(ActiveSession)", error);
         return nullptr;
@@ -157,10 +220,10 @@ Text findSession(const Bus &bus)
     return nullptr;
 }
 
-bool isActive(const Bus &bus, const char *path)
+bool isActive(const Lookup &lookup, const char *path)
 {
     GError *error = nullptr;
-    const Variant value = readProperty(bus, {path, sessionInterface, "Active", "b"}, &error);
+    const Variant value = readProperty(lookup, {path, sessionInterface, "Active", "b"}, &error);
     if (error) {
         reportFailure("getActiveUser", "Get(Active)", error);
         return false;
@@ -172,11 +235,11 @@ bool isActive(const Bus &bus, const char *path)
     return active;
 }
 
-bool is_graphical_session(const Bus &bus, const char *path)
+bool is_graphical_session(const Lookup &lookup, const char *path)
 {
     UI_ENTER();
     GError *error = nullptr;
-    const Text type = readText(bus, {path, sessionInterface, "Type", "s"}, &error);
+    const Text type = readText(lookup, {path, sessionInterface, "Type", "s"}, &error);
     if (error) {
         UI_INFO("Get(Type) failed: (ignored) %p\n", static_cast<void *>(error));
         p_g_error_free(error);
@@ -185,10 +248,10 @@ bool is_graphical_session(const Bus &bus, const char *path)
 }
 
 /// A copy of the session's user name for `free`, or null.
-char *readUserName(const Bus &bus, const char *path)
+char *readUserName(const Lookup &lookup, const char *path)
 {
     GError *error = nullptr;
-    const Text name = readText(bus, {path, sessionInterface, "Name", "s"}, &error);
+    const Text name = readText(lookup, {path, sessionInterface, "Name", "s"}, &error);
     if (error) {
         reportFailure("getActiveUser", "Get(Name)", error);
         return nullptr;
@@ -204,15 +267,16 @@ char *getActiveUser()
 {
     UI_ENTER();
     loadFunctions();
-    const Bus bus = connectToSystemBus();
-    if (!bus)
+    Lookup lookup;
+    lookup.bus = connectToSystemBus(lookup.deadline);
+    if (!lookup.bus)
         return nullptr;
-    const Text session = findSession(bus);
-    if (!session || !isActive(bus, session.get()))
+    const Text session = findSession(lookup);
+    if (!session || !isActive(lookup, session.get()))
         return nullptr;
-    if (!is_graphical_session(bus, session.get())) {
+    if (!is_graphical_session(lookup, session.get())) {
         UI_INFO("Active session is not graphical (TTY). Exiting.\n");
         return nullptr;
     }
-    return readUserName(bus, session.get());
+    return readUserName(lookup, session.get());
 }

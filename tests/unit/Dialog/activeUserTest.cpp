@@ -1,12 +1,17 @@
 // Who sits at the machine, asked of a login manager that answers as a test says, on a bus of its own.
 
 #include "src/Dialog/activeuser.h"
+#include "src/support.h"
 #include "tests/support/testSession.h"
 
 #include <gmock/gmock.h>
 
 #include <gio/gio.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -17,8 +22,10 @@ namespace
 
 constexpr char sessionPath[] = "/org/freedesktop/login1/session/c1";
 constexpr char failing[] = "";
+constexpr char unanswered[] = "-";
+constexpr gint64 libraryPatienceUs = 25'000'000; // a call without a limit of its own
 
-/// Values of the properties by name, in GVariant text format; `failing` answers with an error.
+/// Values of the properties by name, in GVariant text format; `failing` answers with an error, `unanswered` never.
 using Properties = std::map<std::string, std::string>;
 
 const Properties annUnderWayland = {
@@ -69,6 +76,13 @@ private:
         const char *property = nullptr;
         g_variant_get(g_dbus_message_get_body(message), "(&s&s)", &interfaceName, &property);
         const std::string value = static_cast<LoginManager *>(self)->m_properties.at(property);
+        if (value != unanswered)
+            send(connection, message, value);
+        g_object_unref(message);
+        return nullptr;
+    }
+    static void send(GDBusConnection *connection, GDBusMessage *message, const std::string &value)
+    {
         g_autoptr(GDBusMessage) reply =
             value == failing
                 ? g_dbus_message_new_method_error_literal(message, "org.freedesktop.DBus.Error.Failed", "no")
@@ -78,13 +92,31 @@ private:
             g_dbus_message_set_body(reply, g_variant_new("(v)", parsed));
         }
         g_dbus_connection_send_message(connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
-        g_object_unref(message);
-        return nullptr;
     }
 
     Properties m_properties;
     GTestDBus *m_bus = nullptr;
     GDBusConnection *m_connection = nullptr;
+};
+
+/// A system bus that takes everybody in and never says a word.
+class HungBus
+{
+public:
+    explicit HungBus(const std::string &path)
+    {
+        struct sockaddr_un address = {AF_UNIX, {}};
+        g_strlcpy(address.sun_path, path.c_str(), sizeof address.sun_path);
+        EXPECT_EQ(bind(m_socket, reinterpret_cast<struct sockaddr *>(&address), sizeof address), 0);
+        EXPECT_EQ(listen(m_socket, SOMAXCONN), 0);
+        g_setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), TRUE);
+    }
+    ~HungBus() { close(m_socket); }
+    HungBus(const HungBus &) = delete;
+    HungBus &operator=(const HungBus &) = delete;
+
+private:
+    int m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 };
 
 /// Ann's session with one property that differs.
@@ -107,6 +139,13 @@ protected:
     {
         const std::unique_ptr<char, decltype(&free)> user(getActiveUser(), free);
         return user ? user.get() : "(nobody)";
+    }
+    /// Microseconds until the answer that nobody sits there.
+    gint64 waitForNobody()
+    {
+        const gint64 start = g_get_monotonic_time();
+        EXPECT_EQ(ask(), "(nobody)");
+        return g_get_monotonic_time() - start;
     }
     /// A log message starts with this text.
     bool logBegins(const std::string &start) const
@@ -176,4 +215,35 @@ TEST_F(ActiveUser, IsNobodyWithoutABusOrALoginManager)
     EXPECT_TRUE(logBegins("Get(ActiveSession) failed: 0x"));
     g_test_dbus_down(bus);
     g_object_unref(bus);
+}
+
+TEST_F(ActiveUser, IsNobodySoonWhenTheBusHangs)
+{
+    {
+        const HungBus bus(home.file("bus"));
+        EXPECT_LT(waitForNobody(), libraryPatienceUs / 2);
+        EXPECT_TRUE(logBegins("g_bus_get_sync failed: 0x"));
+    }
+    EXPECT_EQ(ask(annUnderWayland), "ann") << "a later bus is not asked";
+}
+
+TEST_F(ActiveUser, IsNobodySoonWhenTheLoginManagerHangs)
+{
+    for (const char *const property : {"ActiveSession", "Active", "Type", "Name"}) {
+        const LoginManager manager(with(property, unanswered));
+        EXPECT_LT(waitForNobody(), libraryPatienceUs / 2);
+        EXPECT_TRUE(logBegins(std::string("Get(") + property + ") failed: ")) << property;
+    }
+    EXPECT_EQ(ask(annUnderWayland), "ann") << "a later login manager is not asked";
+}
+
+TEST_F(ActiveUser, HoldsUpNoEnd)
+{
+    const HungBus bus(home.file("bus"));
+    const gint64 unhurriedUs = waitForNobody();
+    request_quit();
+    gint64 quickestUs = waitForNobody();
+    for (int i = 0; i < 2; i++) // the machine may be busy
+        quickestUs = std::min(quickestUs, waitForNobody());
+    EXPECT_LT(quickestUs, unhurriedUs / 2);
 }
