@@ -76,9 +76,22 @@ void readOptions(int argc, char **argv)
     initializeVariables(window);
     argumentParser(argc, argv, window);
     set_log_path(window->urs, window);
-    if (isEmpty(window->urs) || g_strcmp0(window->urs, "normal") == 0)
+    if (isEmpty(window->urs) || isNormal())
         releaseSigterm();
+    else
+        followParent();
     create_desktop_file(desktopEntryName, window);
+}
+
+/// What may have to wait for the desktop. @return false when another companion runs
+bool reachDesktop(int argc, char **argv)
+{
+    const SigtermAtOnce endsAtOnce;
+    XInitThreads();
+    readOptions(argc, argv);
+    gtk_init(&argc, &argv);
+    session.mainWindow->clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
+    return registerOnlyInstance(&session.application);
 }
 
 void openLogAndChannel()
@@ -302,11 +315,7 @@ int main(int argc, char **argv)
     prepareProcess();
     session.mainWindow = new MainWindow();
     session.chatWindow = new ChatWindow();
-    XInitThreads();
-    readOptions(argc, argv);
-    gtk_init(&argc, &argv);
-    session.mainWindow->clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
-    if (!registerOnlyInstance(&session.application))
+    if (!reachDesktop(argc, argv))
         return 0;
     before_lost_display(cleanUpLostDisplay);
     openLogAndChannel();

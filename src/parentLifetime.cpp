@@ -1,6 +1,7 @@
 // A session that the agent started ends with the agent: the kernel sends SIGTERM when the parent dies. The signal is
 // blocked in every thread but one that waits for it and never holds a lock, so the handler may log and ask for the end
-// wherever the rest of the program happens to be.
+// wherever the rest of the program happens to be. Until the desktop has answered, a thread for that time alone lets it
+// end the process at once: a server that hangs keeps the main thread, but not the end.
 
 #include "src/agentLauncher.h"
 
@@ -11,6 +12,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <semaphore>
 
 namespace
 {
@@ -26,11 +28,18 @@ sigset_t sigtermAlone()
     return set;
 }
 
+/// Body of "Brindle-start": SIGTERM finds a thread that takes it, and no handler.
+gpointer takeSigterm(gpointer over)
+{
+    releaseSigterm();
+    static_cast<std::binary_semaphore *>(over)->acquire();
+    return nullptr;
+}
+
 /// Body of "Brindle-signals": the one thread in which SIGTERM is delivered.
 gpointer waitForSigterm(gpointer)
 {
-    const sigset_t set = sigtermAlone();
-    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    releaseSigterm();
     for (;;)
         pause();
 }
@@ -65,10 +74,28 @@ void releaseSigterm()
     pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
 }
 
+SigtermAtOnce::SigtermAtOnce() : thread(g_thread_new("Brindle-start", takeSigterm, &over)) {}
+
+SigtermAtOnce::~SigtermAtOnce()
+{
+    over.release();
+    g_thread_join(thread);
+}
+
+bool followParent()
+{
+    signal(SIGTERM, SIG_DFL); // an agent may ignore it, and has then handed that on
+    if (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0)
+        return false;
+    if (getppid() != firstParent)
+        kill(getpid(), SIGTERM); // it died before it could be watched
+    return true;
+}
+
 int handle_on_Parent_kill()
 {
     UI_ENTER();
-    if (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0) {
+    if (!followParent()) {
         UI_INFO("error setting up parent porcess signal");
         releaseSigterm();
         return 0;
@@ -79,8 +106,6 @@ int handle_on_Parent_kill()
         return 0;
     }
     g_thread_unref(g_thread_new("Brindle-signals", waitForSigterm, nullptr));
-    if (getppid() != firstParent)
-        kill(getpid(), SIGTERM); // it died before it could be watched
     return 1;
 }
 

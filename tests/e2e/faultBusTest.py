@@ -3,7 +3,9 @@
 import os
 import signal
 
+from faultAgentTest import DyingCase, start_below_shell
 from faultServers import DesktopCase, NO_BUS, new_bus
+from faultSignalTest import group_of
 from session import Home, SessionCase, main
 from waiting import stays, until
 
@@ -39,6 +41,35 @@ class ASessionBus(DesktopCase):
         session.ready()
         self.works(session)
         self.ends(session)
+
+
+class ASessionBusThatHangs(DyingCase):
+    def options(self):
+        """Of a session that waits for a bus, which answers no more."""
+        bus = new_bus(self)
+        bus.process.send_signal(signal.SIGSTOP)
+        return {"environment": {"DBUS_SESSION_BUS_ADDRESS": bus.said}, "agent": False, "pings": False}
+
+    def waits(self, session):
+        session.log.expect(f"Created .desktop file at: {session.home.entry}")
+
+    def test_keeps_no_session_from_a_signal(self):
+        # An agent may ignore the signal and hand that on.
+        for kind, handed_on in (("normal", "--default-signal"), ("ras", "--default-signal"),
+                                ("ras", "--ignore-signal=TERM")):
+            with self.subTest(f"{kind} {handed_on}"):
+                session = self.start(kind=kind, wrapper=["setsid", "env", handed_on], **self.options())
+                self.waits(session)
+                session.process.send_signal(signal.SIGTERM)
+                self.assertEqual(session.wait(), -signal.SIGTERM)
+                self.assertEqual(group_of(session.pid), set())
+
+    def test_keeps_no_started_session_from_its_parents_end(self):
+        session, program = start_below_shell(self, **self.options())
+        self.waits(session)
+        session.process.kill()
+        session.process.wait()
+        self.assertEqual(self.wait_for_orphan(session, program), -signal.SIGTERM)
 
 
 class TwoStarts(SessionCase):

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 namespace
 {
@@ -44,6 +45,27 @@ TEST_F(ParentLifetime, SigtermDuringTheStartIsKept)
     kill(getpid(), SIGTERM);
     handle_on_Parent_kill();
     EXPECT_TRUE(waitUntil(quit_requested));
+}
+
+TEST_F(ParentLifetime, SigtermIsKeptAgainOnceTheDesktopHasAnswered)
+{
+    holdBackSigterm();
+    {
+        const SigtermAtOnce endsAtOnce;
+    }
+    kill(getpid(), SIGTERM);
+    EXPECT_TRUE(isSigtermPending());
+}
+
+TEST_F(ParentLifetime, ParentThatDiedBeforeItWasFollowedCountsAsSigterm)
+{
+    holdBackSigterm();
+    const auto followAnother = [] {
+        followParent();
+        _exit(isSigtermPending() ? EXIT_SUCCESS : EXIT_FAILURE);
+    };
+    // The process that this runs in has another parent than the one that was remembered.
+    EXPECT_EXIT(followAnother(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 
 TEST_F(ParentLifetime, AnotherSignalOnlyLogs)
