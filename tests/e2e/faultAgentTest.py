@@ -1,24 +1,28 @@
-"""The agent dies while the program is busy with something: a question is open, a line is being written, start-up is not
-over. The session ends in order each time; what a file chooser
-does then is told where files are chosen."""
+"""The agent dies while the program is busy with something: a question is open, files are chosen, a line is being written,
+start-up is not over. The session ends in order each time."""
 
 import os
 import time
 
-from screen import click
+from screen import Application, click
 from session import Home, SessionCase, adopt_orphans, main
 from transcriptTest import StoppedClock
 from waiting import stays, until
 
 WITHIN = 2.5
+SILENT = "UI thread is not alive, exiting"
 QUESTIONS = ("rebootPc", "configureURS x", "samecon", "fileTransferReceive a 1", "acall", "launchScript x", "lockuser",
              "command 42", "runAsService", "userConcent aGVsbG8= 1 feature", "initswap Ann")
 
 
-def start_below_shell(case, kind="ras", before="", **options):
-    """A shell stands for the agent that starts the program; gives the session of the shell and the program."""
+def start_below_shell(case, kind="ras", first=":", before="wait", **options):
+    """A shell stands for the agent that starts the program; gives the session of the shell and the program.
+
+    first: what the program's process does before it becomes the program
+    before: what the shell does before it ends
+    """
     home = options.pop("home", None) or Home()
-    wrapper = ["/bin/sh", "-c", f'"$0" "$@" & echo $! >"{home.path}/pid"; {before or "wait"}']
+    wrapper = ["/bin/sh", "-c", f'{{ {first}; exec "$0" "$@"; }} & echo $! >"{home.path}/pid"; {before}']
     session = case.start(home=home, kind=kind, wrapper=wrapper, **options)
     program = until(lambda: (home.path / "pid").exists() and (home.path / "pid").read_text().strip(),
                     "the shell starts the program")
@@ -35,6 +39,15 @@ class DyingCase(SessionCase):
         self.assertEqual(session.log.messages()[-1], "freed meamory", session.log.tail())
         self.assertFalse(session.home.entry.exists())
         self.assertEqual(session.warnings(), [])
+
+    def was_told(self, session):
+        """It ended because its parent did, not because no ping came."""
+        self.assertEqual(session.log.count("Caught sigterm"), 1)
+        self.assertEqual(session.log.count(SILENT), 0)
+
+    def parent_dies(self, session):
+        session.process.kill()
+        session.process.wait()
 
     def wait_for_orphan(self, session, program, seconds=15):
         """Status of the program, whose parent has gone."""
@@ -93,11 +106,55 @@ class WhileAQuestionIsOpen(DyingCase):
         session.send("sessionStatus Connected")
         session.send("dialogPrompt configureURS x")
         session.log.expect("Prompting urs configure dialog box")
-        session.process.kill()
-        session.process.wait()
+        self.parent_dies(session)
         self.assertEqual(self.wait_for_orphan(session, program), 0)
-        self.assertEqual(session.log.count("Caught sigterm"), 1)
+        self.was_told(session)
         self.ended_in_order(session)
+
+
+class WhileFilesAreChosen(DyingCase):
+    def choose_files(self, session, application):
+        session.send("dialogPrompt fileTransfer 41")
+        session.windows.find("Send File")
+        application.find("file chooser", "Send File")
+
+    def choose_folder(self, session, application):
+        session.send("dialogPrompt fileTransferReceive a.txt")
+        click(application.find("push button", "Change Path"))
+        session.windows.find("Open File")
+        application.find("file chooser", "Open File")
+
+    def begin(self, session, choose, program):
+        session.ready()
+        session.send("sessionStatus participantsAdd Ann 41 true")
+        choose(session, Application(program))
+
+    def granted_nothing(self, session):
+        self.assertEqual([line for line in session.agent.lines()
+                          if any(word in line for word in ("Accept", "FileName", "zip_folder"))], [])
+
+    def test_an_agent_that_ends_ends_the_session(self):
+        for choose in (self.choose_files, self.choose_folder):
+            with self.subTest(choose.__name__):
+                session = self.start()
+                self.begin(session, choose, session.pid)
+                began = time.monotonic()
+                session.home.agent_ends(0)
+                self.assertEqual(session.wait(), 0)
+                self.assertLess(time.monotonic() - began, WITHIN)
+                self.granted_nothing(session)
+                self.ended_in_order(session)
+
+    def test_a_parent_that_dies_ends_the_session(self):
+        for choose in (self.choose_files, self.choose_folder):
+            with self.subTest(choose.__name__):
+                session, program = start_below_shell(self)
+                self.begin(session, choose, program)
+                self.parent_dies(session)
+                self.assertEqual(self.wait_for_orphan(session, program), 0)
+                self.was_told(session)
+                self.granted_nothing(session)
+                self.ended_in_order(session)
 
 
 class WhileItWrites(DyingCase):
@@ -105,20 +162,32 @@ class WhileItWrites(DyingCase):
         # The very first line waits for a reader that never comes.
         session, program = start_below_shell(self, agent=False, pings=False)
         session.log.expect("registerd for parent kill signal")
-        session.process.kill()
-        session.process.wait()
+        self.parent_dies(session)
         self.assertEqual(self.wait_for_orphan(session, program), 0)
+        self.was_told(session)
         self.ended_in_order(session)
 
 
-class BeforeItCouldAskToBeTold(DyingCase):
-    def test_a_parent_that_has_gone_at_once_ends_the_session(self):
-        # It may be gone before the program asks who its parent is; then no ping comes.
-        for pause in ("exit", "sleep 0.01", "sleep 0.05", "sleep 0.2"):
-            with self.subTest(pause):
-                session, program = start_below_shell(self, before=pause, pings=False)
-                self.assertEqual(self.wait_for_orphan(session, program, 30), 0)
+class WhileItStarts(DyingCase):
+    def test_a_parent_that_dies_ends_the_session(self):
+        for moment in ("User Path Set", "loading resources", "GTK initilized", "Threads created"):
+            with self.subTest(moment):
+                session, program = start_below_shell(self, pings=False)
+                session.log.expect(moment)
+                self.parent_dies(session)
+                self.assertEqual(self.wait_for_orphan(session, program), 0)
+                self.was_told(session)
                 self.ended_in_order(session)
+
+    def test_a_parent_that_nobody_could_know_is_missed_by_its_pings(self):
+        # It has gone before the program runs; another process is the parent from the first moment.
+        alone = "while kill -0 $$ 2>/dev/null; do sleep 0.01; done"
+        session, program = start_below_shell(self, first=alone, before="exit", pings=False)
+        session.process.wait()
+        self.assertEqual(self.wait_for_orphan(session, program, 30), 0)
+        self.assertEqual(session.log.count(SILENT), 1)
+        self.assertEqual(session.log.count("Caught sigterm"), 0)
+        self.ended_in_order(session)
 
 
 class AClockThatJumps(DyingCase):
