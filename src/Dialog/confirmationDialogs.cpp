@@ -74,8 +74,19 @@ OwnedText controlText(const char *name)
                         plainName(name).get()));
 }
 
-/// The asking participant isn't listed: the text that names him stays empty, and the identifier is named under it, so
-/// that nobody is asked an empty question.
+/// The name by which the asking participant is listed, or null where it shows nothing: a name that nobody can see is
+/// no better than none.
+const char *findVisibleName(const MainWindow *mainwindow, const char *identifier)
+{
+    const char *name = findParticipantName(mainwindow, identifier);
+    if (!name)
+        return nullptr;
+    UI_INFO_AS("show_dialog_transfer_control_demo", "parse confromation text");
+    return hasVisibleText(name) ? name : nullptr;
+}
+
+/// The asking participant isn't listed by name: the text that names him stays empty, and the identifier is named under
+/// it, so that nobody is asked an empty question.
 void addEmptyText(GtkWidget *dialog)
 {
     GtkWidget *content = gtk_dialog_get_content_area(GTK_DIALOG(dialog));
@@ -210,11 +221,15 @@ gboolean show_dialog_script_launcher(ScriptRequest *request)
     UI_ENTER();
     MainWindow *mainwindow = request->mainwindow;
     const OwnedText text(request->question);
+    const bool isNameless = request->isNameless;
     g_free(request);
     const Question &question = findQuestion(QuestionId::runScript);
     if (!claimKind(mainwindow, question.kind, __func__))
         return FALSE;
     GtkWidget *dialog = buildQuestion(question, mainwindow, text.get());
+    // Nobody can agree to a script that nobody can tell from another.
+    if (isNameless)
+        gtk_dialog_set_response_sensitive(GTK_DIALOG(dialog), question.acceptResponse, FALSE);
     connect_signal(dialog, "response", on_response_script_launcher, mainwindow);
     showQuestion(dialog, question, mainwindow, question.kind);
     return FALSE;
@@ -262,9 +277,7 @@ gboolean show_dialog_transfer_control_demo(MainWindow *mainwindow)
         const MutexLock lock(&mainwindow->mutex);
         identifier.reset(g_strdup(mainwindow->demo_tech_access ? mainwindow->demo_tech_access : ""));
     }
-    const char *name = findParticipantName(mainwindow, identifier.get());
-    if (name)
-        UI_INFO("parse confromation text");
+    const char *name = findVisibleName(mainwindow, identifier.get());
     const Question &question = findQuestion(QuestionId::participantControl);
     // Nobody can agree to a control that nobody asks for.
     const bool isNobody = !name && !hasVisibleText(displayable_text(identifier.get()).get());

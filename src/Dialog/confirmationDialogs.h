@@ -14,6 +14,7 @@ extern GtkWidget *rebootConfirmationDialog;
 struct ScriptRequest {
     MainWindow *mainwindow; ///< borrowed
     char *question;         ///< finished text, owned
+    bool isNameless;        ///< the name in it shows nothing
 };
 
 /// Asks whether to join the session; uses the join message up.

@@ -46,13 +46,14 @@ int roomOf(gunichar character)
     return g_unichar_iswide(character) ? 2 : 1;
 }
 
-/// Letters and signs by their kind that look like blanks: fillers and the empty braille cell.
-constexpr gunichar blankLooking[] = {0x115f, 0x1160, 0x2800, 0x3164, 0xffa0};
+/// Letters and signs by their kind that look like blanks: fillers, the empty braille cell, blank hieroglyphs, the place
+/// of an object that isn't there, the note without a head.
+constexpr gunichar blankLooking[] = {0x115f, 0x1160, 0x2800, 0x3164, 0xffa0, 0xfffc, 0x13441, 0x13442, 0x1d159};
 
 bool isVisible(gunichar character)
 {
-    return g_unichar_isgraph(character) && !g_unichar_iszerowidth(character) && character != replacementCharacter &&
-           std::ranges::find(blankLooking, character) == std::end(blankLooking);
+    return g_unichar_isgraph(character) && !g_unichar_isspace(character) && !g_unichar_iszerowidth(character) &&
+           character != replacementCharacter && std::ranges::find(blankLooking, character) == std::end(blankLooking);
 }
 
 /// True for what turns or encloses the direction of all that follows. The marks of direction are none of them: like

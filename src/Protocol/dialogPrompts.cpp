@@ -65,12 +65,14 @@ void showScriptLauncher(const Prompt &prompt)
 {
     UI_INFO_AS(handlerName, "Prompt script launcher dialog");
     const bool hasName = g_strv_length(const_cast<char **>(prompt.fields)) > 2;
+    const OwnedText name = hasName ? plainName(prompt.argument()) : OwnedText(g_strdup("(null)"));
     auto *request = g_new(ScriptRequest, 1);
     *request = {prompt.mainwindow,
                 g_strdup_printf("The technician is trying to execute the script \"%s\" on your computer.\n"
                                 "Clicking on Allow will execute the script on your device.\n\n"
                                 "Note : Proceed with this action only if you trust the technician.",
-                                hasName ? plainName(prompt.argument()).get() : "(null)")};
+                                name.get()),
+                !hasVisibleText(name.get())};
     run_on_main(show_dialog_script_launcher, request);
 }
 

@@ -95,6 +95,11 @@ BEYOND_READING = [
     ("command", "Yes", "No", [RESPONSE + "controlRefused"]),
     ("command  41", "Yes", "No", [RESPONSE + "controlRefused"]),
     (b"command \xff", "Yes", "No", [RESPONSE + "controlRefused"]),
+    ("command \u3164", "Yes", "No", [RESPONSE + "controlRefused"]),
+    ("command \u2800", "Yes", "No", [RESPONSE + "controlRefused"]),  # listed by a name that shows nothing
+    ("launchScript  b", "Allow", "Deny", [gone("scriptLauncherDialog")]),
+    ("launchScript \u3164", "Allow", "Deny", [gone("scriptLauncherDialog")]),
+    ("launchScript \u200b\u2060", "Allow", "Deny", [gone("scriptLauncherDialog")]),
 ]
 ODD_WORDS = [
     Row("userConcent " + encoded(b"caf\xe9 \xff?"), "caf\ufffd \ufffd?", ESCAPE, consent("disapproved")),
@@ -114,8 +119,9 @@ ODD_WORDS = [
     Row("command gtklabel", CONTROL % "gtklabel", "Yes", [RESPONSE + "controlApproved gtklabel"]),
     Row("command %n%s", CONTROL % "%n%s", "Yes", [RESPONSE + "controlApproved %n%s"]),
     Row("command 51", CONTROL % "Ann\ufffdTom\ufffd", "Yes", [RESPONSE + "controlApproved 51"]),
-    Row("command 52", CONTROL % "\ufffd", "Yes", [RESPONSE + "controlApproved 52"]),
-    Row("command 53", CONTROL % "", "No", [RESPONSE + "controlRefused"]),
+    Row("command 52", CONTROL % "52", "Yes", [RESPONSE + "controlApproved 52"]),
+    Row("command 53", CONTROL % "53", "No", [RESPONSE + "controlRefused"]),
+    Row("command 54", CONTROL % "54", "Yes", [RESPONSE + "controlApproved 54"]),
     Row("initswap b", SWAP % "Bob\ufffd\ufffd%n", "Cancel", [RESPONSE + "swapRejected", gone("initswap")]),
     Row(b"configureURS %n\xff", UNATTENDED, "Yes", [RESPONSE + "ursConfigureApproved %n\udcff"]),
 ]
@@ -159,7 +165,7 @@ class OddWords(Hostile):
     def test_are_shown_as_words(self):
         self.begin(speed=2)
         self.session.send("sessionStatus TECH-NAME Bob%0A%E2%80%AE%25n")
-        self.add_participants("Ann%0ATom%E2%80%AE 51", "%FF 52", "%zz 53")
+        self.add_participants("Ann%0ATom%E2%80%AE 51", "%FF 52", "%zz 53", "%E3%85%A4%20%E2%80%8B 54")
         self.goes_through(ODD_WORDS)
         self.assertEqual(self.session.warnings(), [])
         self.assertEqual(self.session.quit(), 0)
@@ -199,6 +205,7 @@ class WhatCanNotBeRead(Hostile):
                 self.assertIn(dialog.window.id, self.windows.managed())
                 self.answer(dialog, ESCAPE)
                 self.hears(*consent("disapproved", "client7", "camera"))
+        self.add_participants("%20 \u2800")
         for words, agreeing, refusing, lines in BEYOND_READING:
             with self.subTest(words[:30]):
                 dialog = self.prompt(words)

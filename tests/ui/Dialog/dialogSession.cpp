@@ -72,6 +72,14 @@ std::vector<GtkWidget *> DialogSession::dialogs()
     return found;
 }
 
+GtkWidget *DialogSession::open(const std::string &words)
+{
+    prompt(words);
+    const std::vector<GtkWidget *> found = dialogs();
+    EXPECT_EQ(found.size(), 1U) << words;
+    return found.empty() ? nullptr : found.front();
+}
+
 GtkWidget *DialogSession::raise(const std::string &words, const std::string &title)
 {
     prompt(words);

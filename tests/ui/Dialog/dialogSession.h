@@ -29,6 +29,8 @@ protected:
     GtkWidget *awaitDialog(const std::string &title);
     /// All open dialogs, when nothing is scheduled.
     std::vector<GtkWidget *> dialogs();
+    /// Prompts and gives the one dialog that is open then.
+    GtkWidget *open(const std::string &words);
     /// Prompts and waits for the dialog.
     GtkWidget *raise(const std::string &words, const std::string &title);
 

@@ -19,14 +19,6 @@ const std::string unlistJoin = "dialogResponse delete_dialog samecon ";
 class PromptTest : public DialogSession
 {
 protected:
-    /// Prompts and gives the one dialog that is open then.
-    GtkWidget *open(const std::string &words)
-    {
-        prompt(words);
-        const std::vector<GtkWidget *> found = dialogs();
-        EXPECT_EQ(found.size(), 1U) << words;
-        return found.empty() ? nullptr : found.front();
-    }
     /// Hands several prompts over before the main loop turns.
     void promptTogether(const std::vector<std::string> &lines)
     {
@@ -88,16 +80,6 @@ TEST_F(PromptTest, WhoeverIsTypingDoesNotAgree)
     }
 }
 
-TEST_F(PromptTest, NobodyAgreesToAControlThatNobodyAsksFor)
-{
-    for (const char *const words : {"command", "command \u2800", "command \u200B"}) {
-        GtkWidget *const dialog = open(words);
-        EXPECT_FALSE(gtk_widget_get_sensitive(findButton(dialog, "Yes"))) << words;
-        answer(dialog, GTK_RESPONSE_REJECT);
-    }
-    EXPECT_TRUE(gtk_widget_get_sensitive(findButton(open("command A1"), "Yes")));
-}
-
 TEST_F(PromptTest, LinesEndBetweenWords)
 {
     const char *const word = "Rechtsschutzversicherungsgesellschaften"; // 39 letters
@@ -111,16 +93,6 @@ TEST_F(PromptTest, LinesEndBetweenWords)
         EXPECT_EQ(gtk_label_get_line_wrap_mode(GTK_LABEL(label)), mode) << part;
         answer(dialog, GTK_RESPONSE_ACCEPT);
     }
-}
-
-TEST_F(PromptTest, NoNameLooksLikeAnother)
-{
-    GtkWidget *dialog = open("launchScript photo\u202egpj.sh");
-    EXPECT_THAT(textOf(dialog), ::testing::HasSubstr("photo\ufffdgpj.sh"));
-    answer(dialog, GTK_RESPONSE_REJECT);
-    addParticipant("Ann\nand Tom\u202e", "A1");
-    dialog = open("command A1");
-    EXPECT_THAT(textOf(dialog), ::testing::StartsWith("Ann\ufffdand Tom\ufffd has requested"));
 }
 
 TEST_F(PromptTest, DemoSessionIsJoinedInItsOwnWords)
@@ -195,15 +167,6 @@ TEST_F(PromptTest, TooLongTextsAreScrolledAndCannotBeAgreedTo)
     answer(dialog, GTK_RESPONSE_REJECT);
     dialog = open("samecon " + encoded(std::string(1000000, 'y')));
     EXPECT_FALSE(gtk_widget_get_sensitive(findButton(dialog, "Join")));
-}
-
-TEST_F(PromptTest, ScriptNameIsNeitherFormatNorMarkup)
-{
-    GtkWidget *dialog = open("launchScript %s%n<b>\xff");
-    EXPECT_THAT(textOf(dialog), ::testing::HasSubstr("\"%s%n<b>\xEF\xBF\xBD\""));
-    answer(dialog, GTK_RESPONSE_REJECT);
-    dialog = open("launchScript");
-    EXPECT_THAT(textOf(dialog), ::testing::HasSubstr("\"(null)\""));
 }
 
 TEST_F(PromptTest, ControlIsAskedForOnceAtATime)

@@ -183,7 +183,7 @@ protected:
         forgetLines();
     }
 
-    GtkWidget *open(const std::string &words)
+    GtkWidget *openQuestion(const std::string &words)
     {
         prompt(words);
         GtkWidget *found = nullptr;
@@ -207,7 +207,7 @@ protected:
 TEST_P(QuestionFamily, SaysWhatIsAsked)
 {
     const Case &question = GetParam();
-    GtkWidget *const dialog = open(question.words);
+    GtkWidget *const dialog = openQuestion(question.words);
     ASSERT_TRUE(dialog);
     EXPECT_TRUE(findLabel(dialog, question.text)) << describe(dialog);
     EXPECT_TRUE(gtk_window_get_modal(GTK_WINDOW(dialog)));
@@ -232,7 +232,7 @@ TEST_P(QuestionFamily, SendsEachAnswerOnceAndIsGone)
 {
     for (const Way &way : GetParam().ways) {
         SCOPED_TRACE(way.response);
-        GtkWidget *const dialog = open(inUpperCase(GetParam().words));
+        GtkWidget *const dialog = openQuestion(inUpperCase(GetParam().words));
         ASSERT_TRUE(dialog);
         const size_t logged = logMessages().size();
         forgetLines();
@@ -251,7 +251,7 @@ TEST_P(QuestionFamily, SendsEachAnswerOnceAndIsGone)
 
 TEST_P(QuestionFamily, DestructionWithoutAnAnswerSendsNone)
 {
-    GtkWidget *const dialog = open(GetParam().words);
+    GtkWidget *const dialog = openQuestion(GetParam().words);
     ASSERT_TRUE(dialog);
     forgetLines();
     gtk_widget_destroy(dialog);

@@ -67,6 +67,25 @@ TEST(QuestionText, BlanksAndInvisibleCharactersAreNothingToRead)
         EXPECT_FALSE(hasVisibleText(text)) << text;
 }
 
+TEST(QuestionText, SignsDrawnAsBlanksAreNothingToRead)
+{
+    static constexpr struct {
+        gunichar first, last;
+    } blanks[] = {
+        {0x20, 0x20},       {0xa0, 0xa0},       {0xad, 0xad},       {0x34f, 0x34f},   {0x61c, 0x61c},
+        {0x115f, 0x1160},   {0x1680, 0x1680},   {0x17b4, 0x17b5},   {0x180b, 0x180f}, {0x2000, 0x200f},
+        {0x2028, 0x202f},   {0x205f, 0x206f},   {0x2800, 0x2800},   {0x3000, 0x3000}, {0x3164, 0x3164},
+        {0xfe00, 0xfe0f},   {0xfeff, 0xfeff},   {0xffa0, 0xffa0},   {0xfff9, 0xfffd}, {0x13441, 0x13442},
+        {0x1d159, 0x1d159}, {0x1d173, 0x1d17a}, {0xe0000, 0xe0fff},
+    };
+    for (const auto &[first, last] : blanks)
+        for (gunichar character = first; character <= last; character++) {
+            std::string text(6, '\0');
+            g_unichar_to_utf8(character, text.data());
+            EXPECT_FALSE(hasVisibleText(text.c_str())) << std::hex << character;
+        }
+}
+
 TEST(JoinMarkup, KeepsItsStyleAndMnemonics)
 {
     EXPECT_EQ(markup("<b>Join</b> _us &amp; go"), "<b>Join</b> _us &amp; go");
