@@ -1,26 +1,37 @@
-// Xlib tells of its lost server. For a Wayland compositor the toolkit has no such call: it prints a message and ends
-// the process, wherever it notices.
+// Xlib tells of its lost server when it is used; who waits for something else looks at the connection. For a Wayland
+// compositor the toolkit has no such call: it prints a message and ends the process, wherever it notices.
 
 #include "src/lostDisplay.h"
 
-#include <X11/Xlib.h>
-#include <glib.h>
+#include <gdk/gdkx.h>
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 
 namespace
 {
 
 // Written by before_lost_display, before either display can be found lost.
 void (*cleanUp)() = nullptr;
+// The connection to the X server; -1 without one. Written by before_lost_display.
+int xConnection = -1;
+// Toolkit and a waiting thread may both notice: the second one stays here to the end.
+std::once_flag left;
 
-int leaveXServer(Display *)
+void cleanUpAndLeave()
 {
     cleanUp();
     _exit(EXIT_FAILURE);
+}
+
+int leaveXServer(Display *)
+{
+    std::call_once(left, cleanUpAndLeave);
+    return 0; // never comes here
 }
 
 /// The text of a field, or an empty one.
@@ -52,4 +63,14 @@ void before_lost_display(void (*clean)())
     cleanUp = clean;
     XSetIOErrorHandler(leaveXServer);
     g_log_set_writer_func(hearToolkit, nullptr, nullptr);
+    GdkDisplay *const display = gdk_display_get_default();
+    if (GDK_IS_X11_DISPLAY(display))
+        xConnection = ConnectionNumber(gdk_x11_display_get_xdisplay(display));
+}
+
+void leave_lost_display()
+{
+    struct pollfd server = {xConnection, POLLRDHUP, 0};
+    if (poll(&server, 1, 0) > 0)
+        std::call_once(left, cleanUpAndLeave);
 }

@@ -1,5 +1,6 @@
 // The transport between the window and its agent: two FIFOs, one text per open-write-close. A write waits for its
-// reader in short steps instead of inside open(), so that a request to end the program gets through to it.
+// reader in short steps instead of inside open(), so that a request to end the program and the display's end get
+// through to it.
 // Owns the pipe paths, which stay to the end of the process: threads that are not joined still hold them.
 
 #include "src/Utils/pipeTransport.h"
@@ -7,6 +8,7 @@
 #include "Logger/logger.h"
 #include "src/Utils/installLayout.h"
 #include "src/Utils/pipeWaiting.h"
+#include "src/lostDisplay.h"
 #include "src/support.h"
 
 #include <fcntl.h>
@@ -42,6 +44,14 @@ void chooseProduct(const InstallLayout &layout, const MainWindow *mainWindow)
         g_productName = mainWindow->productName;
 }
 
+bool isWaitOver()
+{
+    if (quit_requested())
+        return true;
+    leave_lost_display();
+    return false;
+}
+
 } // namespace
 
 void set_pipe_path(const char *sessionType, const MainWindow *mainWindow)
@@ -66,12 +76,12 @@ void pipewriter(const char *pipePath, const char *text)
 {
     const MutexLock lock(&pipeMutex);
     UI_ENTER();
-    const int pipe = openForWriting(pipePath, quit_requested);
+    const int pipe = openForWriting(pipePath, isWaitOver);
     if (pipe < 0) {
         UI_INFO("error opening file %s", g_strerror(errno));
         return;
     }
-    if (!writeWhole(pipe, text, strlen(text), quit_requested))
+    if (!writeWhole(pipe, text, strlen(text), isWaitOver))
         UI_INFO("Error opening file %s: %s", pipePath, g_strerror(errno));
     if (close(pipe) != 0)
         UI_INFO("Error has occured %s", g_strerror(errno));

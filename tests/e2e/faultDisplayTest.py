@@ -1,31 +1,57 @@
 """The X server goes away."""
 
+import contextlib
 import os
+import re
 import signal
+import subprocess
 
 from faultServers import DELETED, DesktopCase, NO_BUS, new_display
+from faultSignalTest import group_of
 from session import Home, main
+from waiting import until
 
 
-class AnXServer(DesktopCase):
+def fill_pipe(case, path):
+    """A pipe that an agent has open, does not read, and that takes nothing more."""
+    os.mkfifo(path)
+    pipe = os.open(path, os.O_RDWR | os.O_NONBLOCK)
+    case.addCleanup(os.close, pipe)
+    with contextlib.suppress(BlockingIOError):
+        while True:
+            os.write(pipe, b"x" * 4096)
+
+
+class OwnDisplayCase(DesktopCase):
     def start_on(self, display, **options):
         environment = {"DISPLAY": f":{display.said}", "NO_AT_BRIDGE": "1", "DBUS_SESSION_BUS_ADDRESS": NO_BUS}
-        return self.start(environment=environment, wrapper=["env", "-u", "XAUTHORITY"], **options)
+        return self.start(environment=environment, wrapper=["setsid", "env", "-u", "XAUTHORITY"], **options)
+
+    def ready(self, session):
+        session.ready()
+        if session.kind == "normal":
+            until(session.home.agent_starts, "the agent starts")
+        return session
 
     def says_why_and_leaves_nothing(self, session):
         self.assertEqual(session.wait(), 1)
         self.assertIsNone(session.log.has_in_order("the display has gone", DELETED.format(session.home.entry)),
                           session.log.tail())
+        self.assertEqual(session.log.count("the display has gone"), 1)
         self.assertFalse(session.home.entry.exists())
-        agents = [int(start[0]) for start in session.home.agent_starts()]
-        self.assertEqual([child for child in session.children() if child not in agents], [])
+        # Nobody ends the agent of a "normal" session: it goes on.
+        agents = {int(start[0]) for start in session.home.agent_starts()}
+        self.assertEqual(len(agents), 1 if session.kind == "normal" else 0)
+        self.assertEqual(group_of(session.pid), agents)
 
+
+class AnXServer(OwnDisplayCase):
     def test_that_goes_away_ends_the_program_with_a_word(self):
         for kind, when in (("ras", "session is of Type ras "), ("normal", "normal session")):
             for number in (signal.SIGTERM, signal.SIGKILL):
                 with self.subTest(f"{kind}, {when!r}, {number!r}"):
                     display = new_display(self)
-                    session = self.start_on(display, kind=kind).ready()
+                    session = self.ready(self.start_on(display, kind=kind))
                     display.end(number)
                     self.says_why_and_leaves_nothing(session)
                     self.assertEqual(sorted(os.listdir(session.home.pipes)),
@@ -53,6 +79,48 @@ class AnXServer(DesktopCase):
         self.works(again)
         self.ends(again)
         self.assertFalse(home.entry.exists())
+
+
+class AnXServerThatGoesAway(OwnDisplayCase):
+    def begin(self, kind="ras", **options):
+        self.display = new_display(self)
+        self.session = self.start_on(self.display, kind=kind, **options)
+        return self.session
+
+    def ends_with_it(self):
+        self.display.end()
+        self.says_why_and_leaves_nothing(self.session)
+
+    def shows(self, title):
+        """Waits for a window on the display that is to go away."""
+        search = ["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(title)}$"]
+        environment = {**os.environ, "DISPLAY": f":{self.display.said}"}
+        until(lambda: subprocess.run(search, env=environment, capture_output=True, timeout=20).stdout,
+              f"a window titled {title!r}")
+
+    def test_while_nobody_reads_ends_the_program(self):
+        self.begin(agent=False, pings=False).log.expect("registerd for parent kill signal")
+        self.ends_with_it()
+
+    def test_while_the_pipe_is_full_ends_the_program(self):
+        home = Home()
+        fill_pipe(self, home.pipes / "myfifo")
+        self.begin(home=home, agent=False, pings=False).log.expect("registerd for parent kill signal")
+        self.ends_with_it()
+
+    def test_while_a_question_is_open_ends_the_program(self):
+        for kind in ("ras", "normal"):
+            with self.subTest(kind):
+                self.ready(self.begin(kind)).send("dialogPrompt launchScript a.sh")
+                self.shows("Allow remote script execution?")
+                self.ends_with_it()
+
+    def test_while_files_are_chosen_ends_the_program(self):
+        for kind in ("ras", "normal"):
+            with self.subTest(kind):
+                self.ready(self.begin(kind)).send("dialogPrompt fileTransfer 41")
+                self.shows("Send File")
+                self.ends_with_it()
 
 
 if __name__ == "__main__":
