@@ -8,6 +8,7 @@
 #include "Logger/logger.h"
 #include "src/Annotation/annotationPanel.h"
 #include "src/Annotation/annotationProgram.h"
+#include "src/Dialog/dialogText.h"
 #include "src/Utils/descriptor.h"
 #include "src/Utils/pipeWaiting.h"
 #include "src/support.h"
@@ -123,12 +124,21 @@ Reading readReport(int pipe, const Run &run, std::string &report)
     }
 }
 
+/// A report as one message of the log: its line breaks begin none of their own. The one at its end is a writer's habit.
+OwnedText inOneLine(std::string report)
+{
+    const bool endsLine = report.ends_with('\n');
+    if (endsLine)
+        report.pop_back();
+    return OwnedText(g_strconcat(plainName(report.c_str()).get(), endsLine ? "\n" : "", nullptr));
+}
+
 void handleReport(const std::string &report, MainWindow *mainwindow)
 {
     if (g_str_has_prefix(report.c_str(), "normal"))
         schedule_on_main(MakeButtonSensitive, mainwindow);
     else
-        UI_INFO_AS("AnnotationPipeReader", "unhandled Message %s ", report.c_str());
+        UI_INFO_AS("AnnotationPipeReader", "unhandled Message %s ", inOneLine(report).get());
 }
 
 /// One report. @return false when the run is over and nothing is left to read.

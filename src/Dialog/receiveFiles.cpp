@@ -44,7 +44,7 @@ bool isPlainName(const char *user)
 OwnedText chooseDownloadFolder()
 {
     char *user = getActiveUser();
-    UI_INFO_AS("show_dialog_filetransfer", "Active user is %s", user ? user : "NULL");
+    UI_INFO_AS("show_dialog_filetransfer", "Active user is %s", user ? plainName(user).get() : "NULL");
     char path[longestPathBytes] = {};
     if (user)
         g_snprintf(path, sizeof path, "/home/%s/Downloads", user);
@@ -161,7 +161,7 @@ gboolean show_dialog_filetransfer(MainWindow *mainwindow)
     GtkWidget *list = newAskingLabel(dialog, listOfferedFiles(line.get()).get(), saveResponse, longestListRoom);
     gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(dialog))), newReceiveContent(window, list));
     setFolder(window, chooseDownloadFolder().get());
-    UI_INFO("Download path is %s", window->Path);
+    UI_INFO("Download path is %s", plainName(window->Path).get());
     showOnRefusal(dialog, GTK_RESPONSE_NONE);
     gtk_widget_hide(window->infobarStruct->infoBar);
     moveToCorner(dialog); // only now its size is known
@@ -176,7 +176,7 @@ void on_response_filetransfer(GtkDialog *dialog, int response, DialogWindow *win
     if (response == saveResponse) {
         g_autofree char *text = g_strdup_printf("%s %s", "FTAccept", escapePath(window->Path).get());
         encodeDialogeResponseMessage(text, g_UiStatus);
-        UI_INFO("File Transfer Accepted to path: %s", window->Path);
+        UI_INFO("File Transfer Accepted to path: %s", plainName(window->Path).get());
     } else {
         encodeDialogeResponseMessage("FTCancel", g_UiStatus);
     }

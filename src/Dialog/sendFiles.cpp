@@ -34,7 +34,7 @@ FileCheck checkFile(const char *path)
     }
     if (gint64(status.st_size) <= largestFileBytes)
         return FileCheck::good;
-    log_print(levelDebug, __LINE__, "DisplayList", "File : %s is greater than 2 gb", path);
+    log_print(levelDebug, __LINE__, "DisplayList", "File : %s is greater than 2 gb", plainName(path).get());
     return FileCheck::tooLarge;
 }
 

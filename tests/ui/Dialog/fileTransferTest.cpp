@@ -2,6 +2,7 @@
 
 #include "tests/ui/Dialog/dialogSession.h"
 
+#include "Logger/logger.h"
 #include "src/Dialog/dialog.h"
 #include "src/Utils/dialogPlacement.h"
 #include "src/main.h"
@@ -253,6 +254,23 @@ TEST_F(FileTransfer, AnotherFolderIsTakenOver)
     answer(dialog, saveResponse);
     EXPECT_THAT(answers(), ElementsAre("monitorData fileTransferRecive", "monitorData fileTransferSend",
                                        "dialogResponse FTAccept " + escaped(folder)));
+}
+
+TEST_F(FileTransfer, NamesOfFilesForgeNoLineOfTheLog)
+{
+    setDebugMode(true);
+    list({sparseFile("above\nline", 2147483649)}, "7");
+    EXPECT_TRUE(logHas("File : " + home.file("above\uFFFDline") + " is greater than 2 gb"));
+    const std::string folder = home.makeFolder("saved\nhere");
+    GtkWidget *const dialog = offer(" a.txt");
+    whenChoosing("Open File", [&](GtkWidget *chooser) {
+        chooseFolder(chooser, folder);
+        gtk_dialog_response(GTK_DIALOG(chooser), GTK_RESPONSE_ACCEPT);
+    });
+    changePath(dialog);
+    answer(dialog, saveResponse);
+    EXPECT_THAT(answers().back(), "dialogResponse FTAccept " + escaped(folder));
+    EXPECT_TRUE(logHas("File Transfer Accepted to path: " + home.file("saved\uFFFDhere")));
 }
 
 TEST_F(FileTransfer, FolderWithoutRightsIsRefusedAndTheOldOneStays)

@@ -156,6 +156,19 @@ TEST_F(AnnotationPipes, UnknownReportIsLogged)
     endRun(reader);
 }
 
+TEST_F(AnnotationPipes, ReportForgesNoLineOfTheLog)
+{
+    const auto hasLogged = [&](const std::string &text) {
+        return waitUntil([&] { return readWholeFile(logPath()).find(text) != std::string::npos; }) ? "" : text;
+    };
+    std::thread reader([&] { AnnotationPipeReader(mainWindow); });
+    EXPECT_TRUE(sendText(out, "x\n2026/11/21 1:2:3 <INFO> [on_response_service]: User\r\n"));
+    EXPECT_EQ(hasLogged("unhandled Message x\uFFFD2026/11/21 1:2:3 <INFO> [on_response_service]: User\uFFFD\n \n"), "");
+    EXPECT_TRUE(sendText(out, "closing\n"));
+    EXPECT_EQ(hasLogged("unhandled Message closing\n \n"), "");
+    endRun(reader);
+}
+
 TEST_F(AnnotationPipes, NoReportOfManyIsLost)
 {
     std::thread reader([&] { AnnotationPipeReader(mainWindow); });
