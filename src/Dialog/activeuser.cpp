@@ -52,7 +52,7 @@ public:
     {
         g_mutex_init(&m_mutex);
         g_cond_init(&m_isOverCondition);
-        m_thread = g_thread_new("deadline", watch, this);
+        m_thread = g_thread_new("Brindle-deadline", watch, this);
     }
     ~Deadline()
     {
