@@ -64,6 +64,17 @@ class AnXServer(OwnDisplayCase):
         display.end()
         self.says_why_and_leaves_nothing(session)
 
+    def test_that_hangs_keeps_no_start_from_a_signal(self):
+        for kind in ("normal", "ras"):
+            with self.subTest(kind):
+                display = new_display(self)
+                display.process.send_signal(signal.SIGSTOP)
+                session = self.start_on(display, kind=kind, agent=False, pings=False)
+                session.log.expect(f"Created .desktop file at: {session.home.entry}")
+                session.process.send_signal(signal.SIGTERM)
+                self.assertEqual(session.wait(), -signal.SIGTERM)
+                self.assertEqual(group_of(session.pid), set())
+
     def test_that_is_not_there_ends_the_program_with_a_word(self):
         session = self.start(environment={"DISPLAY": ":65000"})
         self.assertEqual(session.wait(), 1)
