@@ -8,9 +8,9 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 
 namespace
 {
@@ -19,19 +19,21 @@ namespace
 void (*cleanUp)() = nullptr;
 // The connection to the X server; -1 without one. Written by before_lost_display.
 int xConnection = -1;
-// Toolkit and a waiting thread may both notice: the second one stays here to the end.
-std::once_flag left;
+// Set by the thread that ends the process.
+std::atomic<bool> isLeaving = false;
 
-void cleanUpAndLeave()
+/// Toolkit and a waiting thread may both notice: the second one waits here for the end.
+[[noreturn]] void leave()
 {
+    while (isLeaving.exchange(true))
+        pause();
     cleanUp();
     _exit(EXIT_FAILURE);
 }
 
 int leaveXServer(Display *)
 {
-    std::call_once(left, cleanUpAndLeave);
-    return 0; // never comes here
+    leave();
 }
 
 /// The text of a field, or an empty one.
@@ -72,5 +74,5 @@ void leave_lost_display()
 {
     struct pollfd server = {xConnection, POLLRDHUP, 0};
     if (poll(&server, 1, 0) > 0)
-        std::call_once(left, cleanUpAndLeave);
+        leave();
 }
