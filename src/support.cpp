@@ -34,6 +34,8 @@ GSList *nestedDialogs = nullptr;
 constexpr gint64 sliceUs = 8000;
 // How long they may wait while the window does nothing but draw; drawing keeps most of the time even so.
 constexpr guint starvingMs = 20;
+// How soon dialogs that have not gone are told once more to go.
+constexpr guint cancelAgainMs = 50;
 
 /// A callback on its way to the main thread.
 struct Task {
@@ -75,14 +77,15 @@ MainCall takeTask(bool *isAttached)
 gboolean runTasks(gpointer isAttached)
 {
     const gint64 end = g_get_monotonic_time() + sliceUs;
-    // What is left when the program is to end stays undone.
-    while (!quit_requested() && g_get_monotonic_time() < end) {
+    while (!quit_requested()) {
         const MainCall next = takeTask(static_cast<bool *>(isAttached));
         if (!next.callback)
             return G_SOURCE_REMOVE;
         run(next);
+        if (g_get_monotonic_time() >= end)
+            return G_SOURCE_CONTINUE;
     }
-    return G_SOURCE_CONTINUE;
+    return G_SOURCE_REMOVE; // what is left when the program is to end stays undone
 }
 
 void attach(GSource *source, bool *isAttached)
@@ -148,14 +151,39 @@ void freeNestedClick(gpointer data, GClosure *)
     g_free(click);
 }
 
-void cancelNestedDialog(gpointer dialog, gpointer)
+void cancel(gpointer dialog, gpointer)
 {
     gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
 }
 
+/// True for a message that the toolkit shows over one of those dialogs, in a loop of the toolkit's own.
+bool isOverNestedDialog(GtkWindow *window)
+{
+    while ((window = gtk_window_get_transient_for(window)))
+        if (g_slist_find(nestedDialogs, window))
+            return true;
+    return false;
+}
+
+void cancelMessage(gpointer window, gpointer)
+{
+    if (GTK_IS_DIALOG(window) && isOverNestedDialog(GTK_WINDOW(window)))
+        cancel(window, nullptr);
+}
+
+gboolean cancelDialogs(gpointer)
+{
+    g_autoptr(GList) windows = gtk_window_list_toplevels();
+    g_list_foreach(windows, cancelMessage, nullptr);
+    g_slist_foreach(nestedDialogs, cancel, nullptr);
+    return G_SOURCE_CONTINUE;
+}
+
 gboolean endMainLoop(gpointer)
 {
-    g_slist_foreach(nestedDialogs, cancelNestedDialog, nullptr);
+    cancelDialogs(nullptr);
+    // A chooser that has just been told to go may still open a message, and wait for it.
+    g_timeout_add_full(GDK_PRIORITY_EVENTS, cancelAgainMs, cancelDialogs, nullptr, nullptr);
     if (gtk_main_level() > 0)
         gtk_main_quit();
     return G_SOURCE_REMOVE;

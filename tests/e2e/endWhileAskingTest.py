@@ -4,7 +4,7 @@ import base64
 import signal
 import time
 
-from screen import click, key
+from screen import Atspi, click, key
 from session import FAST, SessionCase, main
 from waiting import until
 
@@ -35,6 +35,7 @@ GRANTED = ("pproved", "Accept", "clipboard 1", "clipboard 2", "FileName", "zip_f
 
 class Ending(SessionCase):
     KIND = "ras"
+    warned = []
 
     def begin(self, **options):
         self.session = self.start(kind=self.KIND, **options).ready()
@@ -59,6 +60,16 @@ class Ending(SessionCase):
         self.session.windows.find(CHANGE_PATH)
         self.application.find("file chooser", CHANGE_PATH)
 
+    def make_the_chooser_complain(self):
+        """The toolkit shows a message over its chooser, and waits for it in a loop of its own."""
+        self.session.windows.wait_focus(CHANGE_PATH)
+        before = len(self.session.windows.managed())
+        key("slash")  # a path is typed from its beginning
+        Atspi.EditableText.set_text_contents(self.application.find("text", ""), "/nonexistent/folder/x")
+        key("Return")
+        until(lambda: len(self.session.windows.managed()) > before, self.application.describe)
+        self.warned = self.session.warnings()  # the toolkit's about its own entry
+
     def ends(self, status=0):
         """The end comes soon and grants nothing."""
         start = time.monotonic()
@@ -66,7 +77,7 @@ class Ending(SessionCase):
         self.assertLess(time.monotonic() - start, END_SECONDS)
         granted = [line for line in self.session.agent.lines() if any(word in line for word in GRANTED)]
         self.assertEqual(granted, [])
-        self.assertEqual(self.session.warnings(), [])
+        self.assertEqual(self.session.warnings(), self.warned)
 
     def ends_in_order(self):
         self.ends()
@@ -103,6 +114,13 @@ class TheAgentEndsTheSession(Ending):
         self.session.send("exit")
         self.ends_in_order()
 
+    def test_while_the_chooser_complains(self):
+        self.begin()
+        self.ask_for_folder()
+        self.make_the_chooser_complain()
+        self.session.send("exit")
+        self.ends_in_order()
+
     def test_while_one_chooser_covers_the_other(self):
         self.begin()
         self.ask_for_folder()
@@ -135,6 +153,12 @@ class TheSystemEndsTheSession(Ending):
     def test_while_a_folder_is_chosen(self):
         self.begin()
         self.ask_for_folder()
+        self.terminate()
+
+    def test_while_the_chooser_complains(self):
+        self.begin()
+        self.ask_for_folder()
+        self.make_the_chooser_complain()
         self.terminate()
 
 
