@@ -93,7 +93,8 @@ struct ChatWindow {
     GtkWidget *chat_area;    ///< the panel, opened by the first message; main
     GMutex mutex;            ///< guards the fields marked "locked"; zero-initialised is ready
     char *message;           ///< last received text, owned, may be null; locked
-    char *charSender;        ///< author of the last block, owned; locked
+    char *charSender;        ///< author of the last message in either direction, owned; locked
+    char *shownSender;       ///< author of the last block in the view, owned, null before the first; main
     GString *chatData;       ///< the conversation as plain text, owned, null until the first entry; locked
     GQueue received;         ///< what came and is not rendered yet, `ReceivedMessage`s, owned; zeroed is ready; locked
     bool isUpdateScheduled;  ///< `UpdateChat` will run for what is in `received`; locked

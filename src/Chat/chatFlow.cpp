@@ -37,7 +37,7 @@ bool hasConversation(ChatWindow *chatwindow)
     return chatwindow->chatData && chatwindow->chatData->len > 0;
 }
 
-/// Makes somebody the author of the last block. @return true when it was another one.
+/// Makes somebody the author of the last message. @return true when it was another one.
 bool replaceSender(ChatWindow *chatwindow, const char *sender)
 {
     const MutexLock lock(&chatwindow->mutex);
@@ -106,7 +106,8 @@ void renderSent(ChatWindow *chatwindow, const char *text)
 {
     GtkTextView *const view = GTK_TEXT_VIEW(chatwindow->chatview);
     GtkTextBuffer *const buffer = gtk_text_view_get_buffer(view);
-    if (replaceSender(chatwindow, ownSender))
+    replaceSender(chatwindow, ownSender);
+    if (startBlock(chatwindow, ownSender))
         appendTagged(buffer, ownSender, {"rmarg_user", "gray_bg", "rightustification", "big", "usercolor"});
     appendTagged(buffer, text, {"rmarg", "gray_bg", "msg_size", "rightustification", "sendercolor"});
     gtk_text_view_scroll_mark_onscreen(view, markLastPosition(buffer));

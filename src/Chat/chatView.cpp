@@ -80,6 +80,7 @@ GtkWidget *newScrolledWindow(GtkWidget *content, int minimumHeightPx)
 void on_conversation_destroyed(GtkWidget *, ChatWindow *chatwindow)
 {
     g_clear_handle_id(&chatwindow->scrollSource, g_source_remove);
+    g_clear_pointer(&chatwindow->shownSender, g_free);
     chatwindow->chatview = nullptr;
 }
 
@@ -173,6 +174,14 @@ void appendTagged(GtkTextBuffer *buffer, const char *text, std::initializer_list
     gtk_text_buffer_get_iter_at_offset(buffer, &start, offset);
     for (const char *const tag : tags)
         gtk_text_buffer_apply_tag_by_name(buffer, tag, &start, &end);
+}
+
+bool startBlock(ChatWindow *chatwindow, const char *author)
+{
+    if (g_strcmp0(chatwindow->shownSender, author) == 0)
+        return false;
+    replace_text(chatwindow->shownSender, author);
+    return true;
 }
 
 GtkTextMark *markLastPosition(GtkTextBuffer *buffer)

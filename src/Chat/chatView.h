@@ -18,6 +18,8 @@ int createBufferTags(GtkTextBuffer *buffer);
 
 /// Appends a text under the tags named; what is not valid UTF-8 is repaired.
 void appendTagged(GtkTextBuffer *buffer, const char *text, std::initializer_list<const char *> tags);
+/// Makes somebody the author of the last block in the view. @return true when it was another one.
+bool startBlock(ChatWindow *chatwindow, const char *author);
 /// Puts the mark "last_pos" at the end of the conversation. @return the mark, borrowed.
 GtkTextMark *markLastPosition(GtkTextBuffer *buffer);
 /// Has the end of the conversation scrolled into sight again as soon as all of it is laid out: what is scrolled to

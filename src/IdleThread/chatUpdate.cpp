@@ -31,22 +31,29 @@ std::unique_ptr<ReceivedMessage> takeDelivered(ChatWindow *chatwindow)
     std::unique_ptr<ReceivedMessage> next(static_cast<ReceivedMessage *>(g_queue_pop_head(&chatwindow->received)));
     if (g_queue_is_empty(&chatwindow->received))
         g_clear_pointer(&chatwindow->message, g_free);
+    // What the customer sent meanwhile may stand before it.
+    next->startsBlock = next->text && startBlock(chatwindow, next->sender.get());
     return next;
 }
 
-/// The next message to render; null when there is none.
-std::unique_ptr<ReceivedMessage> takeNext(ChatWindow *chatwindow)
+/// What the record alone holds, shown as the record says; null when it holds nothing.
+std::unique_ptr<ReceivedMessage> takeLeft(ChatWindow *chatwindow)
 {
-    const MutexLock lock(&chatwindow->mutex);
-    if (!g_queue_is_empty(&chatwindow->received))
-        return takeDelivered(chatwindow);
     if (!chatwindow->message)
         return nullptr;
     auto left = std::make_unique<ReceivedMessage>();
     left->text.reset(g_steal_pointer(&chatwindow->message));
     left->sender.reset(g_strdup(chatwindow->charSender));
     left->startsBlock = chatwindow->isdifferentsender;
+    startBlock(chatwindow, left->sender.get());
     return left;
+}
+
+/// The next message to render; null when there is none.
+std::unique_ptr<ReceivedMessage> takeNext(ChatWindow *chatwindow)
+{
+    const MutexLock lock(&chatwindow->mutex);
+    return g_queue_is_empty(&chatwindow->received) ? takeLeft(chatwindow) : takeDelivered(chatwindow);
 }
 
 void render(GtkTextBuffer *buffer, const ReceivedMessage &received)
@@ -99,8 +106,10 @@ void scheduleRest(ChatWindow *chatwindow)
 /// The window of the conversation has gone: what still comes is in the transcript only.
 void dropWaiting(ChatWindow *chatwindow)
 {
-    while (takeNext(chatwindow)) {
-    }
+    const MutexLock lock(&chatwindow->mutex);
+    while (auto *const dropped = static_cast<ReceivedMessage *>(g_queue_pop_head(&chatwindow->received)))
+        delete dropped;
+    g_clear_pointer(&chatwindow->message, g_free);
 }
 
 } // namespace

@@ -106,6 +106,14 @@ void ChatPanelSession::awaitShown(const std::string &text)
     ASSERT_TRUE(waitUntil([&] { return shown().find(text) != std::string::npos; }, [&] { return shown(); }));
 }
 
+void ChatPanelSession::awaitDelivered()
+{
+    for (bool isThere = false; !isThere; g_usleep(1000)) {
+        const MutexLock lock(&chatWindow->mutex);
+        isThere = !g_queue_is_empty(&chatWindow->received);
+    }
+}
+
 void ChatPanelSession::type(const std::string &text, guint key)
 {
     gtk_text_buffer_set_text(gtk_text_view_get_buffer(input()), text.c_str(), int(text.size()));

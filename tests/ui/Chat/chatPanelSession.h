@@ -41,6 +41,8 @@ protected:
     void receive(const std::string &text);
     /// Waits until the conversation contains a text.
     void awaitShown(const std::string &text);
+    /// Waits until a message came that is to be shown next, and leaves it there.
+    void awaitDelivered();
 
     /// Puts a text into the input box and lets go of a key over it.
     void type(const std::string &text, guint key = GDK_KEY_Return);

@@ -95,6 +95,18 @@ TEST_F(ChatSending, SentMessagesAreNotedAsYou)
     EXPECT_STREQ(chatWindow->charSender, "you\n");
 }
 
+TEST_F(ChatSending, EveryBlockHasItsOwnAuthorHoweverManyMessagesWait)
+{
+    receive("Ann\nfirst");
+    awaitShown("first\n");
+    receive("Ann\nwaits");
+    awaitDelivered();
+    type("own\n");
+    awaitShown("waits\n");
+    type("last\n");
+    EXPECT_EQ(shown(), "\nAnn\nfirst\nyou\nown\n\nAnn\nwaits\nyou\nlast\n");
+}
+
 namespace
 {
 
