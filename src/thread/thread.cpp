@@ -73,12 +73,20 @@ void actSwapOutcome(const Inbound &inbound)
     handleSwapScreenMessage(g_strdup(inbound.line), inbound.data.mainwindow);
 }
 
-// Works on the whole text, so that a message of several lines stays whole; its other lines are dispatched as well.
+/// A name and a text, to a second line end: nothing reads what is behind, which may be a thousand more messages.
+OwnedText copyMessage(const char *text)
+{
+    while (g_ascii_isspace(*text))
+        text++;
+    const char *const nameEnd = strchr(text, '\n');
+    const char *const textEnd = nameEnd ? strchr(nameEnd + 1, '\n') : nullptr;
+    return OwnedText(textEnd ? g_strndup(text, gsize(textEnd - text)) : g_strdup(text));
+}
+
+// Takes the text's second line, too; that and the others are dispatched as well.
 void actChat(const Inbound &inbound)
 {
-    OwnedText message(g_strdup(textFrom(inbound.text, chatOffset)));
-    g_strchug(message.get());
-    pushText(messageQueue, std::move(message));
+    pushText(messageQueue, copyMessage(textFrom(inbound.text, chatOffset)));
 }
 
 gboolean askForClipboard(MainWindow *mainwindow)

@@ -138,7 +138,7 @@ TEST_F(Dispatcher, TheFurtherLinesOfAChatTextAreDispatchedAsWell)
     dispatch({"chat hello\nPING UI\nexit\n"});
     EXPECT_TRUE(mainWindow->isAlive);
     EXPECT_TRUE(quit_requested());
-    EXPECT_THAT(chatTexts(), ::testing::ElementsAre("hello\nPING UI\nexit\n"));
+    EXPECT_THAT(chatTexts(), ::testing::ElementsAre("hello\nPING UI"));
 }
 
 TEST_F(Dispatcher, TheSessionKeyIsTheRestOfTheWholeText)
