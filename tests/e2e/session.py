@@ -29,6 +29,7 @@ SANDBOX = str(pathlib.Path(__file__).parents[1] / "support/sandbox")
 PICTURES = pathlib.Path(os.environ.get("PICTURE_FOLDER", tempfile.gettempdir()))
 AGENT = "screenshare" if under_wayland() else "main"  # the program that a "normal" session starts
 _PING_SEEN = "Received Ping UI, sending alive response"
+_ENDS_IN_ORDER = "ENDS_IN_ORDER" in os.environ  # for checkers that speak at the end of a program, of leaks
 FAST = 10  # how much faster the program's clock runs where no test says otherwise
 
 # Ends as the first line of "order" says; without one it stays. What it was called with is left in "starts".
@@ -244,6 +245,8 @@ class Session:
         return [line for line in text.splitlines() if re.search(r"(WARNING|CRITICAL|ERROR) \*\*", line)]
 
     def clean_up(self):
+        if _ENDS_IN_ORDER and self.alive():
+            self._end_in_order()
         self._ended.set()
         if self.process.poll() is None:
             self.process.kill()
@@ -251,6 +254,14 @@ class Session:
         if self.agent:
             self.agent.stop()
         self.home.remove()
+
+    def _end_in_order(self):
+        """As far as the test has left it a way to do so."""
+        try:
+            send_text(self.home.pipes / "Status", "exit", seconds=1)
+            self.process.wait(30)
+        except (OSError, subprocess.TimeoutExpired):
+            pass
 
     def _ping(self, speed):
         while not self._ended.wait(4 / speed):
