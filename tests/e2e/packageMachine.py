@@ -15,6 +15,17 @@ TOP = pathlib.Path(__file__).parents[2]
 FOLDER = PICTURES.parent / "brindlePackages"
 BUILD = FOLDER / "build"
 KINDS = ("machine", "reach", "user")
+PLACES = {  # logs, pipes and resources
+    "machine": ("/var/log/Brindle", "/usr/local/Brindle/temp", "/usr/local/Brindle/Resource"),
+    "reach": ("/var/log/OstrelReach", "/usr/local/OstrelReach/temp", "/usr/local/OstrelReach/Resource"),
+    "user": (".brindle/Brindle/Logs", ".brindle/temp", ".brindle/Brindle/Resource"),
+}
+PROGRAMS = {
+    "machine": "/usr/local/Brindle/bin/brindle-ui",
+    "reach": "/usr/local/OstrelReach/bin/brindle-ui",
+    "user": "/usr/lib/brindle-ui-user/home/.brindle/Brindle/bin/brindle-ui",
+}
+GROUPS = {"machine": "brindle", "reach": "ostrelreach"}
 _BUILD_SECONDS = 600
 _SECONDS = 60
 # What the package manager and its triggers keep for themselves.

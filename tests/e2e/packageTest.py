@@ -10,24 +10,14 @@ import tempfile
 import unittest
 import xml.etree.ElementTree
 
+from hardening import assert_compiled_hardened, assert_hardened
 from logFile import LogFile
-from packageMachine import BUILD, KINDS, TOP, Machine, make_packages, run
+from packageMachine import BUILD, GROUPS, KINDS, PLACES, PROGRAMS, TOP, Machine, make_packages, run
 from screen import Application, Windows, click, sensitive
 from session import SIMULATOR, Home, SessionCase, main
 from waiting import until
 
 PACKAGES = {}
-PLACES = {  # logs, pipes and resources
-    "machine": ("/var/log/Brindle", "/usr/local/Brindle/temp", "/usr/local/Brindle/Resource"),
-    "reach": ("/var/log/OstrelReach", "/usr/local/OstrelReach/temp", "/usr/local/OstrelReach/Resource"),
-    "user": (".brindle/Brindle/Logs", ".brindle/temp", ".brindle/Brindle/Resource"),
-}
-PROGRAMS = {
-    "machine": "/usr/local/Brindle/bin/brindle-ui",
-    "reach": "/usr/local/OstrelReach/bin/brindle-ui",
-    "user": "/usr/lib/brindle-ui-user/home/.brindle/Brindle/bin/brindle-ui",
-}
-GROUPS = {"machine": "brindle", "reach": "ostrelreach"}
 # The customer pauses once, then the agent is done.
 SCRIPT = """ping on 1000
 send sessionStatus Connected
@@ -92,15 +82,8 @@ class EachPackage(unittest.TestCase):
             with self.subTest(kind):
                 root = new_folder(self)
                 package.unpack(root)
-                told = run("readelf", "--wide", "--file-header", "--program-headers", "--dynamic", "--dyn-syms",
-                           root / PROGRAMS[kind].lstrip("/"), env={**os.environ, "LC_ALL": "C"})
-                self.assertRegex(told, r"\(FLAGS_1\) .* PIE\b")
-                self.assertIn("GNU_RELRO", told)
-                self.assertRegex(told, r"\(FLAGS\) +BIND_NOW")
-                self.assertRegex(told, r"GNU_STACK( +0x[0-9a-f]+){5} RW ")
-                self.assertIn("__stack_chk_fail@", told)
-                self.assertRegex(told, r"__\w+_chk@")
-        self.assertRegex((BUILD / "compile_commands.json").read_text(), r"-D_FORTIFY_SOURCE=3 .*/src/main\.cpp")
+                assert_hardened(self, root / PROGRAMS[kind].lstrip("/"))
+        assert_compiled_hardened(self, BUILD)
 
     def test_does_not_depend_on_the_folder_it_is_built_in(self):
         """The build's identifier is made of the whole file, debug information included."""
