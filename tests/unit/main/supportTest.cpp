@@ -14,6 +14,7 @@
 
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 TEST(OwnedTexts, AreReplacedEvenByAPartOfThemselves)
@@ -117,6 +118,17 @@ TEST(HandOver, OnTheMainThreadHappensAtOnce)
     int one = 1;
     run_on_main(note, &one);
     EXPECT_THAT(ran, ::testing::ElementsAre(1));
+}
+
+TEST(HandOver, CallsACallbackAsWhatItIs)
+{
+    // A callback of a record's own type isn't one of an untyped pointer, even where calling it so happens to work.
+    static_assert(!std::is_invocable_v<decltype(run_on_main_untyped), GSourceFunc, gpointer>);
+    static_assert(!std::is_invocable_v<decltype(schedule_on_main_untyped), GSourceFunc, gpointer>);
+    int number = 7;
+    const MainCall packed = pack_call<int>(note, &number);
+    packed.call(packed.callback, packed.record);
+    EXPECT_THAT(ran, ::testing::ElementsAre(7));
 }
 
 TEST(HandOver, FromAWorkerHappensOnceAndInOrder)
