@@ -1,4 +1,5 @@
-// Whatever a technician may write, from the reception to the conversation view and the transcript.
+// Whatever a technician may write, from the reception to the conversation view. The conversation is kept as text,
+// too, but no transcript is saved.
 
 #include "tests/fuzz/fuzzing.h"
 

@@ -7,6 +7,7 @@
 #include "src/support.h"
 #include "src/thread/thread.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <iterator>
@@ -16,17 +17,34 @@ namespace
 {
 
 constexpr guint chooserPeriodMs = 5;
+constexpr int sendResponse = 12;
+constexpr char chosenFile[] = "/etc/passwd";
+constexpr char substitute = 0x1a; // what the reader of the pipe puts in the place of a NUL byte
 constexpr gint64 settleUs = 10000;
 
 std::unique_ptr<FuzzSession> session;
+// The input had the program asked to end: its session is over. From any thread.
+std::atomic<bool> isEndAsked = false;
+bool areFilesChosen = false;
+
+/// An answer that may be without effect, as a chooser without a file takes no agreement, and then one that never is.
+void answerChooser(GtkWidget *chooser)
+{
+    gtk_file_chooser_select_filename(GTK_FILE_CHOOSER(chooser), chosenFile);
+    GtkDialog *const dialog = GTK_DIALOG(chooser);
+    const int agreement = gtk_dialog_get_widget_for_response(dialog, sendResponse) ? sendResponse : GTK_RESPONSE_ACCEPT;
+    const bool isAsked = g_object_get_data(G_OBJECT(chooser), "is-asked");
+    g_object_set_data(G_OBJECT(chooser), "is-asked", chooser);
+    gtk_dialog_response(dialog, areFilesChosen && !isAsked ? agreement : GTK_RESPONSE_CANCEL);
+}
 
 /// A chooser runs a loop of its own, which only an answer ends.
-gboolean cancelChoosers(gpointer)
+gboolean answerChoosers(gpointer)
 {
     g_autoptr(GList) windows = gtk_window_list_toplevels();
     for (GList *each = windows; each; each = each->next)
         if (GTK_IS_FILE_CHOOSER_DIALOG(each->data) && gtk_widget_get_visible(GTK_WIDGET(each->data)))
-            gtk_dialog_response(GTK_DIALOG(each->data), GTK_RESPONSE_CANCEL);
+            answerChooser(GTK_WIDGET(each->data));
     return G_SOURCE_CONTINUE;
 }
 
@@ -45,11 +63,18 @@ template <class Work> void workAndShow(Work work)
         work();
         run_on_main(noteEnd, &isDone);
     }).join();
-    while (!isDone && !quit_requested()) // a loop that is to end runs nothing more
+    while (!isDone)
         g_main_context_iteration(nullptr, FALSE);
     const gint64 end = g_get_monotonic_time() + settleUs;
     while (g_main_context_iteration(nullptr, FALSE) && g_get_monotonic_time() < end) {
     }
+}
+
+/// A text that says what the sentinel says ends the reception early.
+void dropWaiting(GAsyncQueue *queue)
+{
+    while (g_async_queue_length(queue) > 0)
+        popText(queue);
 }
 
 /// Rows of participants carry their ID as name; the panel's notice is a label.
@@ -61,10 +86,19 @@ void removeRow(GtkWidget *child, gpointer)
 
 } // namespace
 
+/// Takes the place of the program's own in every fuzzer: what asks for the end of the program ends its session, and the
+/// next input finds another one.
+extern "C" void endSession() __asm__("__wrap__Z12request_quitv");
+extern "C" void endSession()
+{
+    isEndAsked = true;
+}
+
 std::string textOf(const uint8_t *data, const size_t size)
 {
-    const std::string bytes(reinterpret_cast<const char *>(data), size);
-    return bytes.substr(0, bytes.find('\0'));
+    std::string bytes(reinterpret_cast<const char *>(data), size);
+    std::replace(bytes.begin(), bytes.end(), '\0', substitute);
+    return bytes;
 }
 
 void failOnWarnings()
@@ -77,32 +111,36 @@ FuzzSession::FuzzSession()
     signal(SIGPIPE, SIG_IGN);
     gtk_init(nullptr, nullptr);
     failOnWarnings();
-    g_timeout_add(chooserPeriodMs, cancelChoosers, nullptr);
+    [[maybe_unused]] static const guint timer = g_timeout_add(chooserPeriodMs, answerChoosers, nullptr); // one for all
     SetUp();
 }
 
 FuzzSession::~FuzzSession()
 {
     TearDown();
+    g_clear_pointer(&messageQueue, g_async_queue_unref);
+    g_clear_pointer(&pipeMessageQueue, g_async_queue_unref);
 }
 
 FuzzSession &FuzzSession::current()
 {
-    if (session && !session->hasWindow())
+    if (session && (isEndAsked.exchange(false) || !session->hasWindow()))
         session.reset();
     if (!session)
         session.reset(new FuzzSession);
     return *session;
 }
 
-void FuzzSession::receive(const std::string &text)
+void FuzzSession::receive(const std::string &text, const bool choosesFiles)
 {
+    areFilesChosen = choosesFiles;
     pushText(pipeMessageQueue, OwnedText(g_strdup(text.c_str())));
     pushText(pipeMessageQueue, OwnedText(g_strdup(stopSentinel)));
     workAndShow([this] {
         ThreadData data = {mainWindow, chatWindow, nullptr};
         messageParser(&data);
     });
+    dropWaiting(pipeMessageQueue);
     receiveWaitingChat();
 }
 
@@ -118,8 +156,7 @@ void FuzzSession::receiveWaitingChat()
         return;
     pushText(messageQueue, OwnedText(g_strdup(stopSentinel)));
     workAndShow([this] { ChatParserfunc(chatWindow); });
-    while (g_async_queue_length(messageQueue) > 0) // a text that says what the sentinel says ends the reception early
-        popText(messageQueue);
+    dropWaiting(messageQueue);
 }
 
 void FuzzSession::answerDialogs(size_t choice)
@@ -145,4 +182,6 @@ void FuzzSession::tidyUp()
         return;
     gtk_container_foreach(GTK_CONTAINER(mainWindow->participantsExpander->expanderContent), removeRow, nullptr);
     gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(chatWindow->chatview)), "", 0);
+    if (chatWindow->chatData)
+        g_string_truncate(chatWindow->chatData, 0);
 }

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string>
 
-/// The input as a C text: cut at its first NUL byte.
+/// The input as a text of the pipe: what its reader puts in the place of NUL bytes is in their place here, too.
 std::string textOf(const uint8_t *data, size_t size);
 
 /// Makes every warning of GLib, GTK and Pango end the run, as a crash does. Once, before anything else.
@@ -18,7 +18,8 @@ void failOnWarnings();
 class FuzzSession : public WindowSession
 {
 public:
-    /// The one session of this process: made when it is first asked for, and anew when its window is gone.
+    /// The one session of this process: made when it is first asked for, and anew when its window is gone or something
+    /// asked for its end.
     static FuzzSession &current();
     ~FuzzSession() override;
 
@@ -27,7 +28,8 @@ public:
     bool hasWindow() const { return chatWindow->chatview; }
 
     /// Hands a text to the dispatcher on a worker, then to the chat reception, and shows what came of it.
-    void receive(const std::string &text);
+    /// @param choosesFiles  whether a file chooser is agreed to; else it is cancelled
+    void receive(const std::string &text, bool choosesFiles);
     /// Hands a text to the chat reception alone.
     void receiveChat(const std::string &text);
     /// Answers every open dialog. @param choice  picks the answers

@@ -1,4 +1,4 @@
-// Whatever a language file may hold. The system's locale is "fuzz" here; see the sandbox in `run`.
+// Whatever a language file may hold. The system's locale is "fuzz" here; see the sandbox in scripts/fuzz.
 
 #include "tests/fuzz/fuzzing.h"
 

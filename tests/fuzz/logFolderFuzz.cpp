@@ -1,5 +1,5 @@
-// Whatever a log folder may hold when the log is opened: names from the input, a line each; a name that ends in a slash
-// is a folder, and the first line says how full the log is.
+// Whatever a log folder may hold when the log is opened: the first two bytes say whether the log counts as full and how
+// many files are kept, the rest are names, a line each; one that ends in a slash is a folder.
 
 #include "tests/fuzz/fuzzing.h"
 
