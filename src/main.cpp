@@ -220,13 +220,11 @@ void beginStartedSession()
     else
         UI_INFO_AS("main", "error registering for parent kill signal");
     window->StartButtonState = sharing;
+    // First, as a parent that died before this program was its child can't be watched: nobody would read the line.
+    session.watcher = g_thread_new("Brindle-UI-checker", watchAgent, window);
     pipewriter(g_UiStatus, "SendSessionDetails\n");
-    {
-        // Before the thread starts: it looks at once.
-        const MutexLock lock(&window->PingUiMutex);
-        window->isAlive = true;
-    }
-    session.watcher = g_thread_new("Brindle-UI-checker", uiChecker, window);
+    const MutexLock lock(&window->PingUiMutex);
+    window->isAlive = true;
 }
 
 /// Theme and fonts are read with the first window: here, while there is time.

@@ -22,6 +22,9 @@ namespace
 {
 
 constexpr gulong livenessPeriodUs = 15UL * G_USEC_PER_SEC;
+// An agent that reads nothing for so long after it has started this program has gone.
+constexpr gint64 firstLinePatienceUs = 60 * G_USEC_PER_SEC;
+constexpr gulong firstLineStepUs = 50000;
 constexpr gsize bigTextBytes = gsize(256) * 1024;
 constexpr gsize chatOffset = 5;        // "chat" and a separator
 constexpr gsize sessionKeyOffset = 11; // "sessionKey" and a separator
@@ -264,6 +267,12 @@ gboolean giveMemoryBack(MainWindow *)
     return G_SOURCE_REMOVE;
 }
 
+bool hasSignOfLife(MainWindow *mainwindow)
+{
+    const MutexLock lock(&mainwindow->PingUiMutex);
+    return mainwindow->isAlive;
+}
+
 /// Takes the sign of life; true when there was one since the last time.
 bool takeSignOfLife(MainWindow *mainwindow)
 {
@@ -293,6 +302,14 @@ gpointer messageParser(gpointer threadData)
     unlink(agentPipe.get());
     UI_INFO("closing thread");
     return nullptr;
+}
+
+gpointer watchAgent(gpointer mainwindow)
+{
+    const gint64 end = g_get_monotonic_time() + firstLinePatienceUs;
+    while (g_threadChecker && !hasSignOfLife(static_cast<MainWindow *>(mainwindow)) && g_get_monotonic_time() < end)
+        g_usleep(firstLineStepUs);
+    return uiChecker(mainwindow);
 }
 
 gpointer uiChecker(gpointer mainwindow)

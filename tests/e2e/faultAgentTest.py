@@ -182,12 +182,14 @@ class WhileItStarts(DyingCase):
     def test_a_parent_that_nobody_could_know_is_missed_by_its_pings(self):
         # It has gone before the program runs; another process is the parent from the first moment.
         alone = "while kill -0 $$ 2>/dev/null; do sleep 0.01; done"
-        session, program = start_below_shell(self, first=alone, before="exit", pings=False)
-        session.process.wait()
-        self.assertEqual(self.wait_for_orphan(session, program, 30), 0)
-        self.assertEqual(session.log.count(SILENT), 1)
-        self.assertEqual(session.log.count("Caught sigterm"), 0)
-        self.ended_in_order(session)
+        for reader in (True, False):
+            with self.subTest(reader=reader):
+                session, program = start_below_shell(self, first=alone, before="exit", agent=reader, pings=False)
+                session.process.wait()
+                self.assertEqual(self.wait_for_orphan(session, program, 30), 0)
+                self.assertEqual(session.log.count(SILENT), 1)
+                self.assertEqual(session.log.count("Caught sigterm"), 0)
+                self.ended_in_order(session)
 
 
 class AClockThatJumps(DyingCase):
