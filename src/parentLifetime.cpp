@@ -60,6 +60,7 @@ void holdBackSigterm()
     firstParent = getppid();
     const sigset_t set = sigtermAlone();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    pthread_atfork(nullptr, nullptr, releaseSigterm); // what a library starts ends by it as well
 }
 
 bool isSigtermPending()

@@ -1,6 +1,7 @@
 """The session bus goes away, hangs or is missing. And two starts at one instant."""
 
 import os
+import pathlib
 import signal
 
 from faultAgentTest import DyingCase, start_below_shell
@@ -8,6 +9,18 @@ from faultServers import DesktopCase, NO_BUS, new_bus
 from faultSignalTest import group_of
 from session import Home, SessionCase, main
 from waiting import stays, until
+
+
+def bus_of(home):
+    """Process of the bus that was started with this home; none when there is none."""
+    for folder in pathlib.Path("/proc").glob("[0-9]*"):
+        try:
+            arguments, variables = ((folder / name).read_bytes().split(b"\0") for name in ("cmdline", "environ"))
+        except OSError:  # has just gone
+            continue
+        if b"--session" in arguments and f"HOME={home.path}".encode() in variables:
+            return int(folder.name)
+    return None
 
 
 class ASessionBus(DesktopCase):
@@ -30,6 +43,13 @@ class ASessionBus(DesktopCase):
                 session.ready()
                 self.works(session)
                 self.ends(session)
+
+    def test_that_a_library_starts_can_be_ended(self):
+        session = self.start(kind="ras", environment={"DBUS_SESSION_BUS_ADDRESS": "autolaunch:"}).ready()
+        bus = until(lambda: bus_of(session.home), "the bus that the toolkit's libraries have started")
+        self.ends(session)
+        os.kill(bus, signal.SIGTERM)
+        until(lambda: bus_of(session.home) is None, "the bus ends")
 
     def test_that_answers_late_makes_the_session_wait(self):
         bus = new_bus(self)
