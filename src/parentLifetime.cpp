@@ -44,6 +44,13 @@ gpointer waitForSigterm(gpointer)
         pause();
 }
 
+/// In a forked process, where the handler must not run.
+void leaveSigtermAlone()
+{
+    signal(SIGTERM, SIG_DFL);
+    releaseSigterm();
+}
+
 bool installHandler()
 {
     struct sigaction action = {};
@@ -60,7 +67,7 @@ void holdBackSigterm()
     firstParent = getppid();
     const sigset_t set = sigtermAlone();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
-    pthread_atfork(nullptr, nullptr, releaseSigterm); // what a library starts ends by it as well
+    pthread_atfork(nullptr, nullptr, leaveSigtermAlone); // what a library starts ends by it as well
 }
 
 bool isSigtermPending()

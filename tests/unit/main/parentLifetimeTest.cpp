@@ -62,10 +62,22 @@ TEST_F(ParentLifetime, ParentThatDiedBeforeItWasFollowedCountsAsSigterm)
     holdBackSigterm();
     const auto followAnother = [] {
         followParent();
-        _exit(isSigtermPending() ? EXIT_SUCCESS : EXIT_FAILURE);
+        _exit(EXIT_SUCCESS);
     };
-    // The process that this runs in has another parent than the one that was remembered.
-    EXPECT_EXIT(followAnother(), testing::ExitedWithCode(EXIT_SUCCESS), "");
+    // The process that this runs in has another parent than the one that was remembered, and doesn't hold SIGTERM back.
+    EXPECT_EXIT(followAnother(), testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST_F(ParentLifetime, SigtermEndsWhatIsForkedAtOnce)
+{
+    holdBackSigterm();
+    handle_on_Parent_kill();
+    const auto terminate = [] {
+        raise(SIGTERM);
+        _exit(EXIT_SUCCESS);
+    };
+    EXPECT_EXIT(terminate(), testing::KilledBySignal(SIGTERM), "");
+    EXPECT_FALSE(logHas("Caught sigterm"));
 }
 
 TEST_F(ParentLifetime, AnotherSignalOnlyLogs)
