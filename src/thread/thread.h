@@ -7,8 +7,8 @@
 gpointer infiniteChecker(gpointer unused);
 /// Body of "Brindle-parseMessage". @param threadData a `ThreadData`, copied as the thread starts.
 gpointer messageParser(gpointer threadData);
-/// Body of "Brindle-UI-checker", for a session whose first line is still to be read: `uiChecker` once it was, or after a
-/// minute in which there was no sign of life either. @param mainwindow the `MainWindow`.
+/// Body of "Brindle-UI-checker", for a session whose first line is still to be read: `uiChecker` once it was, or after
+/// a minute in which there was no sign of life either. @param mainwindow the `MainWindow`.
 gpointer watchAgent(gpointer mainwindow);
 /// Ends the program when the agent stops pinging. @param mainwindow the `MainWindow`.
 gpointer uiChecker(gpointer mainwindow);
