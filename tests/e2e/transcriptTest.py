@@ -248,14 +248,15 @@ class TheFile(TranscriptCase):
         folder = home.path / "full"
         folder.mkdir()
         self.begin(home=home, wrapper=[SANDBOX, f"mount -t tmpfs -o size=16k none {folder}"])
-        self.session.send(f"chat Ann\n{'word' * 10_000}")
+        lines = ["word" * 20] * 500
+        self.session.send("chat Ann\n" + "%0A".join(lines))
         self.session.settled()
         self.save(folder)
         self.session.log.expect("error writing chat transcript No space left on device")
         elsewhere = self.folder("elsewhere")
         self.save(elsewhere)
         whole = (elsewhere / FILE).read_bytes()
-        self.assertTrue(whole.endswith(b"word" * 10_000))
+        self.assertTrue(whole.endswith("\n".join(lines).encode()))
         with open(f"/proc/{self.session.pid}/root{folder / FILE}", "rb") as file:  # as the program sees it
             written = file.read()
         self.assertGreater(len(written), 4000)
