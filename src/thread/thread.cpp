@@ -24,7 +24,7 @@ namespace
 constexpr gulong livenessPeriodUs = 15UL * G_USEC_PER_SEC;
 // An agent that reads nothing for so long after it has started this program has gone.
 constexpr gint64 firstLinePatienceUs = gint64(60) * G_USEC_PER_SEC;
-constexpr gulong firstLineStepUs = 50000;
+constexpr gulong firstLineStepUs = 1000;
 constexpr gsize bigTextBytes = gsize(256) * 1024;
 constexpr gsize chatOffset = 5;        // "chat" and a separator
 constexpr gsize sessionKeyOffset = 11; // "sessionKey" and a separator

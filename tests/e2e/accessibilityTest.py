@@ -43,8 +43,8 @@ def nameless(root):
 
 class AccessCase(PromptCase):
     def says_what_all_is(self, root, at_least=1):
-        lacking, count = nameless(root)
-        self.assertEqual(lacking, [], [(each.get_role_name(), each.get_name()) for each in everything(root)])
+        lacking, count = until(lambda: nameless(root), "a look at all of it")
+        self.assertEqual(lacking, [], f"{count} controls")
         self.assertGreaterEqual(count, at_least)
 
     def begin_with_everything(self, kind="normal"):
@@ -172,11 +172,11 @@ class EveryChooser(AccessCase):
 
     def has_names(self, chooser, *names):
         self.assertNotEqual(chooser.get_name(), "")
-        buttons = [each.get_name() for each in everything(chooser)
-                   if each.get_role_name() == "push button" and shown(each)]
+        buttons = until(lambda: [each.get_name() for each in everything(chooser)
+                                 if each.get_role_name() == "push button" and shown(each)], "its buttons")
         for name in names:
             self.assertIn(name, buttons)
-        lacking, _ = nameless(chooser)
+        lacking, _ = until(lambda: nameless(chooser), "a look at all of it")
         self.assertLessEqual(set(lacking), FOREIGN)
 
     def test_names_its_buttons(self):

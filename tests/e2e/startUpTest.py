@@ -86,6 +86,7 @@ class AnAgentStartedSession(SessionCase):
     def test_asks_for_the_session_details_first_and_hides_the_settings(self):
         session = self.start(kind="ras", options=["-n", "FLEET"]).ready()
         self.assertEqual(until(session.agent.lines, "the first line of all")[0], "SendSessionDetails")
+        session.log.expect("Checking ss is alive")
         missing = session.log.has_in_order(APPLICATION_START, "User Path Set", "Threads created",
                                            "session is of Type ras ", "registerd for parent kill signal",
                                            "Checking ss is alive")
