@@ -26,7 +26,7 @@ class ChooserCase(OfferCase):
 
     def choose(self, bookmark):
         """Chooses a folder that stands beside the list."""
-        click(self.application.find("label", bookmark))
+        click(lambda: self.application.look("label", bookmark))
         self.application.find("toggle button", bookmark)
         self.press("Open")
         self.chooser_is_gone()

@@ -56,7 +56,7 @@ class SentFiles(SessionCase):
         self.session.windows.wait_focus(CHOOSER)
 
     def go_to_shelf(self):
-        click(self.application.find("label", "shelf"))  # beside the list, and then above it
+        click(lambda: self.application.look("label", "shelf"))  # beside the list, and then above it
         self.application.find("toggle button", "shelf")
 
     def select(self, *names):

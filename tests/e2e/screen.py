@@ -127,8 +127,10 @@ class Application:
 
 
 def place_of(accessible):
-    """Middle of a control on the screen, once the control and the X server agree about it."""
-    x, y, width, height = until(lambda: _steady_extents(accessible), f"the place of {accessible.get_name()!r}")
+    """Middle of a control on the screen, once the control and the X server agree about it; or of what a function finds,
+    for controls that are built anew, as the places of a chooser are."""
+    look = accessible if callable(accessible) else lambda: accessible
+    x, y, width, height = until(lambda: (found := look()) and _steady_extents(found), "the place of a control")
     return x + width // 2, y + height // 2
 
 
@@ -208,7 +210,7 @@ def _origins_at(x, y):
 
 def click(accessible, button=1):
     """A real click of the pointer on the middle of a control; nobody can tell where a Wayland compositor puts a menu."""
-    if under_wayland() and accessible.get_role_name() == "menu item":
+    if under_wayland() and not callable(accessible) and accessible.get_role_name() == "menu item":
         accessible.get_action_iface().do_action(0)
         return
     point_at(accessible)

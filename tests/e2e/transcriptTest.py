@@ -60,7 +60,7 @@ class TranscriptCase(ChatCase):
 
     def save(self, folder):
         self.ask()
-        click(self.application.find("label", "Home"))  # a path typed into the list of recent folders opens none
+        click(lambda: self.application.look("label", "Home"))  # a path typed into the list of recent folders opens none
         self.application.find("toggle button", self.session.home.path.name)
         key("ctrl+l")
         until(lambda: self.entry() is not None, "a field for the path")
@@ -232,7 +232,7 @@ class TheFile(TranscriptCase):
         folder.mkdir()
         self.begin(home=home, speed=1)
         self.ask()
-        click(self.application.find("label", "saved"))  # beside the list, and then above it
+        click(lambda: self.application.look("label", "saved"))  # beside the list, and then above it
         self.application.find("toggle button", "saved")
         place = place_of(self.application.find("push button", "Open"))
         folder.rmdir()
