@@ -30,13 +30,26 @@ const char *sharingAction(int state)
     return state == paused ? getString("Resume Screen Sharing") : getString("Pause Screen Sharing");
 }
 
+/// Makes an image all that a button holds. The toolkit's own way to give a button an image puts it into a new box, and
+/// the time for that would come between the click and its line.
+void showOnButton(GtkWidget *button, GtkWidget *image)
+{
+    GtkWidget *const shown = gtk_bin_get_child(GTK_BIN(button));
+    if (shown == image)
+        return;
+    if (shown)
+        gtk_container_remove(GTK_CONTAINER(button), shown);
+    gtk_container_add(GTK_CONTAINER(button), image);
+    gtk_widget_show(image);
+}
+
 void putSharingImage(MainWindow *mainwindow)
 {
     GtkWidget *const button = mainwindow->startStopSharingButton;
     if (!gtk_widget_get_parent(button))
         return; // the window has gone, and with it the button's own picture
     const bool isPaused = mainwindow->StartButtonState == paused;
-    gtk_button_set_image(GTK_BUTTON(button), isPaused ? mainwindow->startSharingImage : mainwindow->stopSharingImage);
+    showOnButton(button, isPaused ? mainwindow->startSharingImage : mainwindow->stopSharingImage);
     const char *const action = sharingAction(mainwindow->StartButtonState);
     // The description, too: else it would be the tooltip, where there is none yet.
     AtkObject *const accessible = gtk_widget_get_accessible(button);

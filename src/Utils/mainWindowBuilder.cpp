@@ -284,6 +284,8 @@ void buildStatusButtons(MainWindow *mainwindow)
 {
     mainwindow->startStopSharingButton = newFlatButton();
     setVerticalMargins(mainwindow->startStopSharingButton, statusMarginPx);
+    // Themes know a button by this that holds nothing but an image.
+    gtk_style_context_add_class(gtk_widget_get_style_context(mainwindow->startStopSharingButton), "image-button");
     mainwindow->onDemandScreenSharing = newFlatButton(); // never placed in the window
     setVerticalMargins(mainwindow->onDemandScreenSharing, statusMarginPx);
     gtk_widget_set_sensitive(mainwindow->onDemandScreenSharing, FALSE);

@@ -130,7 +130,7 @@ TEST_F(SharingButton, MakesFreshPicturesAtEveryClick)
     click();
     EXPECT_NE(mainWindow->startSharingImage, start);
     EXPECT_NE(mainWindow->stopSharingImage, stop);
-    EXPECT_EQ(gtk_button_get_image(GTK_BUTTON(mainWindow->startStopSharingButton)), mainWindow->stopSharingImage);
+    EXPECT_EQ(imageOn(mainWindow->startStopSharingButton), mainWindow->stopSharingImage);
 }
 
 TEST_F(SharingButton, AHundredClicksAndReportsKeepInStep)

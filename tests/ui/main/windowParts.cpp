@@ -71,9 +71,15 @@ std::string shownFile(GtkWidget *image)
     return "";
 }
 
+GtkWidget *imageOn(GtkWidget *button)
+{
+    GtkWidget *const image = gtk_button_get_image(GTK_BUTTON(button));
+    return image ? image : gtk_bin_get_child(GTK_BIN(button));
+}
+
 std::string shownFileOn(GtkWidget *button)
 {
-    return shownFile(gtk_button_get_image(GTK_BUTTON(button)));
+    return shownFile(imageOn(button));
 }
 
 std::string pictureSize(GtkWidget *image)

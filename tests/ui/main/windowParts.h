@@ -10,6 +10,8 @@
 std::vector<GtkWidget *> childrenOf(GtkWidget *container);
 /// Name of the resource file whose picture an image shows; empty for a picture from elsewhere.
 std::string shownFile(GtkWidget *image);
+/// The image on a button, put there by `gtk_button_set_image` or as its only child; borrowed.
+GtkWidget *imageOn(GtkWidget *button);
 /// As `shownFile`, for the image on a button.
 std::string shownFileOn(GtkWidget *button);
 /// Width and height of an image's picture as "18x18"; empty for an image without one.
