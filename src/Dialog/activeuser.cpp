@@ -1,6 +1,6 @@
 // Asks the login manager over the system bus who owns the active graphical session of seat0. The bus functions are
-// looked up at run time. A bus or manager that hangs is given up soon, as the window does nothing meanwhile. The log
-// texts end in a newline of their own, on purpose.
+// looked up at run time. A bus or manager that hangs is given up soon, as the window does nothing meanwhile; the thread
+// that asks it is left behind. The log texts end in a newline of their own, on purpose.
 
 #include "src/Dialog/activeuser.h"
 
@@ -9,21 +9,33 @@
 
 #include <gio/gio.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <memory>
+#include <utility>
 
 namespace
 {
-// Filled by each call, always with the same values. Main thread.
-decltype(&g_bus_get_sync) p_g_bus_get_sync;
-decltype(&g_dbus_connection_call_sync) p_g_dbus_connection_call_sync;
-decltype(&g_variant_new) p_g_variant_new;
-decltype(&g_variant_get) p_g_variant_get;
-decltype(&g_variant_unref) p_g_variant_unref;
-decltype(&g_object_unref) p_g_object_unref;
-decltype(&g_error_free) p_g_error_free;
+/// A function that is looked up anew before each question, always found in the same place: a thread that was left
+/// behind may be using it meanwhile.
+template <class Function> class Resolved
+{
+public:
+    void set(Function function) { m_function = function; }
+    operator Function() const { return m_function; }
+
+private:
+    std::atomic<Function> m_function;
+};
+Resolved<decltype(&g_bus_get_sync)> p_g_bus_get_sync;
+Resolved<decltype(&g_dbus_connection_call_sync)> p_g_dbus_connection_call_sync;
+Resolved<decltype(&g_variant_new)> p_g_variant_new;
+Resolved<decltype(&g_variant_get)> p_g_variant_get;
+Resolved<decltype(&g_variant_unref)> p_g_variant_unref;
+Resolved<decltype(&g_object_unref)> p_g_object_unref;
+Resolved<decltype(&g_error_free)> p_g_error_free;
 
 constexpr int missingLibraryStatus = 2;
 constexpr char seatPath[] = "/org/freedesktop/login1/seat/seat0";
@@ -43,65 +55,83 @@ using Bus = std::unique_ptr<GDBusConnection, BusDeleter>;
 using Variant = std::unique_ptr<GVariant, VariantDeleter>;
 using Text = std::unique_ptr<char, TextDeleter>;
 
-/// Cancels what waits for an answer, once it has taken too long or the program is to end. Its own thread watches, as
-/// the main thread is the one that waits.
-class Deadline
+/// One question after the user, which a thread of its own asks: a bus that falls silent may keep it for long.
+class Lookup
 {
 public:
-    Deadline()
+    Lookup()
     {
         g_mutex_init(&m_mutex);
         g_cond_init(&m_isOverCondition);
-        m_thread = g_thread_new("Brindle-deadline", watch, this);
     }
-    ~Deadline()
+    ~Lookup()
     {
-        {
-            const MutexLock lock(&m_mutex);
-            m_isOver = true;
-        }
-        g_cond_signal(&m_isOverCondition);
-        g_thread_join(m_thread);
+        free(m_user);
         g_object_unref(m_cancellable);
         g_cond_clear(&m_isOverCondition);
         g_mutex_clear(&m_mutex);
     }
-    Deadline(const Deadline &) = delete;
-    Deadline &operator=(const Deadline &) = delete;
-    /// Borrowed.
+    Lookup(const Lookup &) = delete;
+    Lookup &operator=(const Lookup &) = delete;
+    /// Borrowed; cancelled when an answer has not come in time. Most calls end by that, but not all of the bus library.
     GCancellable *cancellable() const { return m_cancellable; }
+    void noteAnswer()
+    {
+        const MutexLock lock(&m_mutex);
+        m_answers++;
+    }
+    /// Takes the user's name over; null for nobody.
+    void finish(char *user)
+    {
+        {
+            const MutexLock lock(&m_mutex);
+            m_user = user;
+            m_isOver = true;
+        }
+        g_cond_signal(&m_isOverCondition);
+    }
+    /// The user's name for `free`; null for nobody, or when no answer comes or the program is to end. Thread: main.
+    char *waitForUser()
+    {
+        if (!waitForAnswers())
+            g_cancellable_cancel(m_cancellable);
+        const MutexLock lock(&m_mutex);
+        for (int step = 0; step < lastWords && !m_isOver; step++)
+            waitStep();
+        return std::exchange(m_user, nullptr);
+    }
 
 private:
     // Steps are counted, no clock is read: after a stop of the whole machine the manager has its time again.
     static constexpr gint64 stepUs = 50'000;
-    static constexpr int longestWaitSteps = 40;
+    static constexpr int longestSilence = 40;
+    static constexpr int lastWords = 10; ///< steps to log what was cancelled
 
-    static gpointer watch(gpointer self)
-    {
-        auto *const deadline = static_cast<Deadline *>(self);
-        if (!deadline->waitForAnswers())
-            g_cancellable_cancel(deadline->m_cancellable);
-        return nullptr;
-    }
-    /// False when the answers have not come in time.
+    void waitStep() { g_cond_wait_until(&m_isOverCondition, &m_mutex, g_get_monotonic_time() + stepUs); }
+    /// False when one has not come in time.
     bool waitForAnswers()
     {
         const MutexLock lock(&m_mutex);
-        for (int step = 0; step < longestWaitSteps && !m_isOver && !quit_requested(); step++)
-            g_cond_wait_until(&m_isOverCondition, &m_mutex, g_get_monotonic_time() + stepUs);
+        for (int silent = 0; silent < longestSilence && !m_isOver && !quit_requested();) {
+            const int before = m_answers;
+            waitStep();
+            silent = m_answers == before ? silent + 1 : 0;
+        }
         return m_isOver;
     }
 
     GCancellable *m_cancellable = g_cancellable_new();
     GMutex m_mutex;
     GCond m_isOverCondition;
-    bool m_isOver = false; ///< under `m_mutex`
-    GThread *m_thread;
+    // Under `m_mutex`.
+    int m_answers = 0;
+    bool m_isOver = false;
+    char *m_user = nullptr;
 };
 
-/// A way to the login manager for as long as one question after its user may take.
-struct Lookup {
-    Deadline deadline;
+/// The way to the login manager.
+struct Manager {
+    Lookup &lookup;
     Bus bus;
 };
 
@@ -133,9 +163,9 @@ void *req_sym(void *library, const char *name)
     exit(missingLibraryStatus);
 }
 
-template <class Function> void resolve(Function &slot, void *library, const char *name)
+template <class Function> void resolve(Resolved<Function> &slot, void *library, const char *name)
 {
-    slot = reinterpret_cast<Function>(req_sym(library, name));
+    slot.set(reinterpret_cast<Function>(req_sym(library, name)));
 }
 
 void loadFunctions()
@@ -160,10 +190,11 @@ void reportFailure(const char *function, const char *step, GError *error)
         p_g_error_free(error);
 }
 
-Bus connectToSystemBus(const Deadline &deadline)
+Bus connectToSystemBus(Lookup &lookup)
 {
     GError *error = nullptr;
-    Bus bus(p_g_bus_get_sync(G_BUS_TYPE_SYSTEM, deadline.cancellable(), &error));
+    Bus bus(p_g_bus_get_sync(G_BUS_TYPE_SYSTEM, lookup.cancellable(), &error));
+    lookup.noteAnswer();
     if (bus) // a restart of the bus must not end the session
         g_object_set(bus.get(), "exit-on-close", FALSE, nullptr);
     else
@@ -172,12 +203,13 @@ Bus connectToSystemBus(const Deadline &deadline)
 }
 
 /// Reads a property. @return its value; null when it has another type, or after an error.
-Variant readProperty(const Lookup &lookup, const Property &property, GError **error)
+Variant readProperty(const Manager &manager, const Property &property, GError **error)
 {
     const Variant reply(p_g_dbus_connection_call_sync(
-        lookup.bus.get(), "org.freedesktop.login1", property.path, "org.freedesktop.DBus.Properties", "Get",
+        manager.bus.get(), "org.freedesktop.login1", property.path, "org.freedesktop.DBus.Properties", "Get",
         p_g_variant_new("(ss)", property.interfaceName, property.name), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
-        lookup.deadline.cancellable(), error));
+        manager.lookup.cancellable(), error));
+    manager.lookup.noteAnswer();
     if (!reply || !g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(v)")))
         return nullptr;
     GVariant *value = nullptr;
@@ -186,9 +218,9 @@ Variant readProperty(const Lookup &lookup, const Property &property, GError **er
     return g_variant_is_of_type(value, G_VARIANT_TYPE(property.type)) ? std::move(owned) : nullptr;
 }
 
-Text readText(const Lookup &lookup, const Property &property, GError **error)
+Text readText(const Manager &manager, const Property &property, GError **error)
 {
-    const Variant value = readProperty(lookup, property, error);
+    const Variant value = readProperty(manager, property, error);
     char *text = nullptr;
     if (value)
         p_g_variant_get(value.get(), "s", &text);
@@ -196,10 +228,10 @@ Text readText(const Lookup &lookup, const Property &property, GError **error)
 }
 
 /// Path of the seat's active session, or null.
-Text findSession(const Lookup &lookup)
+Text findSession(const Manager &manager)
 {
     GError *error = nullptr;
-    const Variant value = readProperty(lookup, {seatPath, seatInterface, "ActiveSession", "(so)"}, &error);
+    const Variant value = readProperty(manager, {seatPath, seatInterface, "ActiveSession", "(so)"}, &error);
     if (error) {
         reportFailure("getActiveUser", "Get(ActiveSession)", error);
         return nullptr;
@@ -220,10 +252,10 @@ Text findSession(const Lookup &lookup)
     return nullptr;
 }
 
-bool isActive(const Lookup &lookup, const char *path)
+bool isActive(const Manager &manager, const char *path)
 {
     GError *error = nullptr;
-    const Variant value = readProperty(lookup, {path, sessionInterface, "Active", "b"}, &error);
+    const Variant value = readProperty(manager, {path, sessionInterface, "Active", "b"}, &error);
     if (error) {
         reportFailure("getActiveUser", "Get(Active)", error);
         return false;
@@ -235,11 +267,11 @@ bool isActive(const Lookup &lookup, const char *path)
     return active;
 }
 
-bool is_graphical_session(const Lookup &lookup, const char *path)
+bool is_graphical_session(const Manager &manager, const char *path)
 {
     UI_ENTER();
     GError *error = nullptr;
-    const Text type = readText(lookup, {path, sessionInterface, "Type", "s"}, &error);
+    const Text type = readText(manager, {path, sessionInterface, "Type", "s"}, &error);
     if (error) {
         UI_INFO("Get(Type) failed: (ignored) %p\n", static_cast<void *>(error));
         p_g_error_free(error);
@@ -248,10 +280,10 @@ bool is_graphical_session(const Lookup &lookup, const char *path)
 }
 
 /// A copy of the session's user name for `free`, or null.
-char *readUserName(const Lookup &lookup, const char *path)
+char *readUserName(const Manager &manager, const char *path)
 {
     GError *error = nullptr;
-    const Text name = readText(lookup, {path, sessionInterface, "Name", "s"}, &error);
+    const Text name = readText(manager, {path, sessionInterface, "Name", "s"}, &error);
     if (error) {
         reportFailure("getActiveUser", "Get(Name)", error);
         return nullptr;
@@ -261,22 +293,37 @@ char *readUserName(const Lookup &lookup, const char *path)
     UI_INFO_AS("getActiveUser", "No username found in active session.\n");
     return nullptr;
 }
+
+/// Name of the seat's user for `free`, or null.
+char *askForUser(Lookup &lookup)
+{
+    const Manager manager = {lookup, connectToSystemBus(lookup)};
+    if (!manager.bus)
+        return nullptr;
+    const Text session = findSession(manager);
+    if (!session || !isActive(manager, session.get()))
+        return nullptr;
+    if (!is_graphical_session(manager, session.get())) {
+        UI_INFO_AS("getActiveUser", "Active session is not graphical (TTY). Exiting.\n");
+        return nullptr;
+    }
+    return readUserName(manager, session.get());
+}
+
+/// Body of "Brindle-lookup".
+gpointer ask(gpointer data)
+{
+    const std::unique_ptr<std::shared_ptr<Lookup>> lookup(static_cast<std::shared_ptr<Lookup> *>(data));
+    (*lookup)->finish(askForUser(**lookup));
+    return nullptr;
+}
 } // namespace
 
 char *getActiveUser()
 {
     UI_ENTER();
     loadFunctions();
-    Lookup lookup;
-    lookup.bus = connectToSystemBus(lookup.deadline);
-    if (!lookup.bus)
-        return nullptr;
-    const Text session = findSession(lookup);
-    if (!session || !isActive(lookup, session.get()))
-        return nullptr;
-    if (!is_graphical_session(lookup, session.get())) {
-        UI_INFO("Active session is not graphical (TTY). Exiting.\n");
-        return nullptr;
-    }
-    return readUserName(lookup, session.get());
+    const auto lookup = std::make_shared<Lookup>();
+    g_thread_unref(g_thread_new("Brindle-lookup", ask, new std::shared_ptr<Lookup>(lookup)));
+    return lookup->waitForUser();
 }

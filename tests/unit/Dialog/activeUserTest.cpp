@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -117,6 +118,51 @@ public:
 
 private:
     int m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+/// A system bus that takes everybody in, greets them, and falls silent.
+class SilentBus
+{
+public:
+    explicit SilentBus(const std::string &path)
+    {
+        g_autofree char *guid = g_dbus_generate_guid();
+        m_server = g_dbus_server_new_sync(("unix:path=" + path).c_str(), G_DBUS_SERVER_FLAGS_RUN_IN_THREAD, guid,
+                                          nullptr, nullptr, nullptr);
+        g_signal_connect(m_server, "new-connection", G_CALLBACK(takeIn), this);
+        g_dbus_server_start(m_server);
+        g_setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), TRUE);
+    }
+    ~SilentBus()
+    {
+        g_dbus_server_stop(m_server);
+        g_object_unref(m_server);
+        if (m_guest) {
+            g_dbus_connection_close_sync(m_guest, nullptr, nullptr);
+            g_object_unref(m_guest);
+        }
+    }
+    SilentBus(const SilentBus &) = delete;
+    SilentBus &operator=(const SilentBus &) = delete;
+
+private:
+    /// Runs on a thread of the bus library.
+    static gboolean takeIn(GDBusServer *, GDBusConnection *guest, SilentBus *self)
+    {
+        g_dbus_connection_add_filter(guest, swallow, nullptr, nullptr);
+        self->m_guest = G_DBUS_CONNECTION(g_object_ref(guest));
+        return TRUE;
+    }
+    static GDBusMessage *swallow(GDBusConnection *, GDBusMessage *message, gboolean isIncoming, gpointer)
+    {
+        if (!isIncoming)
+            return message;
+        g_object_unref(message);
+        return nullptr;
+    }
+
+    GDBusServer *m_server;
+    std::atomic<GDBusConnection *> m_guest = nullptr;
 };
 
 /// Ann's session with one property that differs.
@@ -235,6 +281,15 @@ TEST_F(ActiveUser, IsNobodySoonWhenTheLoginManagerHangs)
         EXPECT_TRUE(logBegins(std::string("Get(") + property + ") failed: ")) << property;
     }
     EXPECT_EQ(ask(annUnderWayland), "ann") << "a later login manager is not asked";
+}
+
+TEST_F(ActiveUser, IsNobodySoonWhenTheBusFallsSilent)
+{
+    {
+        const SilentBus bus(home.file("bus"));
+        EXPECT_LT(waitForNobody(), libraryPatienceUs / 2);
+    }
+    EXPECT_EQ(ask(annUnderWayland), "ann") << "a later bus is not asked";
 }
 
 TEST_F(ActiveUser, HoldsUpNoEnd)
