@@ -1,6 +1,6 @@
 """The question at the window's close button, answered by pointer and by keyboard."""
 
-from screen import Atspi, click, has_state, key
+from screen import Atspi, click, everything, has_state, key
 from session import SessionCase, main
 from waiting import until
 
@@ -100,11 +100,15 @@ class LeavingTheSession(SessionCase):
         button = self.application.find("push button", name)
         dialog = self.application.find("dialog", "Brindle")
         until(lambda: has_state(dialog, Atspi.StateType.ACTIVE), "the question has the keyboard")
-        for _ in range(6):
-            if has_state(button, Atspi.StateType.FOCUSED):
-                return
+        while not has_state(button, Atspi.StateType.FOCUSED):
+            before = self.focused(dialog)
             key("Tab")
-        until(lambda: has_state(button, Atspi.StateType.FOCUSED), f"the focus is on {name}")
+            until(lambda: self.focused(dialog) not in (None, before), f"the keyboard leaves {before!r}")
+
+    def focused(self, dialog):
+        """Name of the button that has the keyboard, or None."""
+        return next((each.get_name() for each in everything(dialog)
+                     if each != dialog and has_state(each, Atspi.StateType.FOCUSED)), None)
 
 
 if __name__ == "__main__":

@@ -114,6 +114,7 @@ namespace
 struct FolderAnswer {
     std::string folder;
     int response;
+    bool folderVanishes = false; ///< between the pick and the answer
     int seen = 0;
     int settled = 0; ///< looks in a row at which the folder was the picked one
 };
@@ -136,6 +137,8 @@ gboolean answerFolderQuestion(gpointer data)
     }
     if (++answer->settled < settledLooks)
         return G_SOURCE_CONTINUE;
+    if (answer->folderVanishes)
+        rmdir(answer->folder.c_str());
     gtk_dialog_response(GTK_DIALOG(dialog), answer->response);
     return G_SOURCE_REMOVE;
 }
@@ -199,30 +202,7 @@ TEST_F(ChatSending, CancelledQuestionSavesNothing)
 TEST_F(ChatSending, FolderThatVanishesIsReported)
 {
     home.makeFolder("gone");
-    FolderAnswer answer = {home.file("gone"), GTK_RESPONSE_ACCEPT};
-    struct Vanishing {
-        FolderAnswer *answer;
-        std::string folder;
-    } vanishing = {&answer, answer.folder};
-    // Takes the folder away between the pick and the answer.
-    g_timeout_add(
-        20,
-        [](gpointer data) -> gboolean {
-            auto *const what = static_cast<Vanishing *>(data);
-            GtkWidget *const dialog = findWindow("Save Chat Transcript");
-            if (!dialog)
-                return G_SOURCE_CONTINUE;
-            g_autofree char *current = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
-            if (g_strcmp0(current, what->folder.c_str()) != 0) {
-                gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(dialog), what->folder.c_str());
-                return G_SOURCE_CONTINUE;
-            }
-            rmdir(what->folder.c_str());
-            gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
-            return G_SOURCE_REMOVE;
-        },
-        &vanishing);
-    SaveChatTranscript(chatWindow->chatExpander->rightButton, chatWindow);
+    save(chatWindow, {home.file("gone"), GTK_RESPONSE_ACCEPT, true});
     EXPECT_TRUE(logHas("You Dont Have access"));
     EXPECT_TRUE(waitUntil([&] { return isShown(mainWindow->infoBarStruct->infoBarLabel); }));
     EXPECT_EQ(shownText(mainWindow->infoBarStruct->infoBarLabel), "You don't have enough privilege to access the file");
