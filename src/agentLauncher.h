@@ -4,8 +4,6 @@
 
 #include "src/main.h"
 
-#include <semaphore>
-
 /// Body of "Brindle-Starter": starts the agent, up to three times, and ends the program with it.
 /// @param mainwindow  the `MainWindow`
 /// @return null; a failing fork or wait ends the whole process with status 1
@@ -14,33 +12,24 @@ gpointer AgentStarter(gpointer mainwindow);
 /// The parent as it is when the program starts, and SIGTERM kept back until `handle_on_Parent_kill` can serve it.
 /// Thread: main, first of all, before any other thread exists.
 void holdBackSigterm();
-/// True when SIGTERM has come while it is held back. Thread: main.
-bool isSigtermPending();
 /// Lets SIGTERM end the process at once again, for sessions that don't end with their parent. Thread: main.
 void releaseSigterm();
 
-/// While it lives, SIGTERM ends the process at once although every other thread holds it back: display and bus may
-/// hang, and there is nothing yet to be put in order. Thread: main.
-class SigtermAtOnce
-{
-public:
-    SigtermAtOnce();
-    ~SigtermAtOnce();
-    SigtermAtOnce(const SigtermAtOnce &) = delete;
-    SigtermAtOnce &operator=(const SigtermAtOnce &) = delete;
+/// Begins to look for SIGTERM and the parent's end, which end the process at once, by that signal, until the desktop is
+/// reached: display and bus may hang, and there is nothing yet to be put in order but the desktop entry, which may be
+/// another companion's. Thread: main, after `holdBackSigterm`.
+void watchStart();
+/// From here on either only makes `isStartOver` true; `leave_hung_program` comes where the start goes no further.
+/// Thread: main.
+void noteDesktopReached();
+/// True once SIGTERM has come or the parent has gone: the session ends as soon as it can. False for a session whose
+/// start isn't watched. Thread: any.
+bool isStartOver();
 
-private:
-    std::binary_semaphore over{0}; ///< released once, by the destructor
-    GThread *thread;               ///< "Brindle-start"
-};
-
-/// Asks for SIGTERM when the parent dies. A parent that has died already counts as a SIGTERM; it is still held back or
-/// ends the process. @return false when that failed. Thread: main, before a handler stands.
-bool followParent();
-
-/// `followParent` once more, and a thread of its own that waits for the signal. @return 1, or 0 when that failed.
+/// Ends `watchStart`, asks for SIGTERM when the parent dies, and has a thread of its own serve that signal. A parent
+/// that has died already counts as a SIGTERM. @return 1, or 0 when that failed; SIGTERM ends the process at once then.
 /// Thread: main.
 int handle_on_Parent_kill();
 
-/// Handler of SIGTERM: logs and asks the program to end. Runs only in a thread that never holds a lock.
+/// Serves SIGTERM: logs and asks the program to end. Runs only in a thread that never holds a lock.
 void ParentSignal(int signalNumber);

@@ -3,6 +3,8 @@
 
 #include "src/lostDisplay.h"
 
+#include "Logger/logger.h"
+
 #include <gdk/gdkx.h>
 
 #include <poll.h>
@@ -17,23 +19,39 @@ namespace
 
 // Written by before_lost_display, before either display can be found lost.
 void (*cleanUp)() = nullptr;
+void (*closeOthers)() = nullptr;
 // The connection to the X server; -1 without one. Written by before_lost_display.
 int xConnection = -1;
 // Set by the thread that ends the process.
 std::atomic<bool> isLeaving = false;
+// Set by the first who ends the program that was asked to end: the main thread, or one that has waited for it in vain.
+std::atomic<bool> isEndClaimed = false;
+
+enum class Loss { gone, hung };
+
+void cleanUpAfter(Loss loss)
+{
+    if (loss == Loss::gone) {
+        UI_INFO_AS("main", "the display has gone");
+    } else {
+        UI_INFO_AS("main", "the window hangs");
+        closeOthers();
+    }
+    cleanUp();
+}
 
 /// Toolkit and a waiting thread may both notice: the second one waits here for the end.
-[[noreturn]] void leave()
+[[noreturn]] void leave(Loss loss)
 {
     while (isLeaving.exchange(true))
         pause();
-    cleanUp();
+    cleanUpAfter(loss);
     _exit(EXIT_FAILURE);
 }
 
 int leaveXServer(Display *)
 {
-    leave();
+    leave(Loss::gone);
 }
 
 /// The text of a field, or an empty one.
@@ -54,15 +72,16 @@ GLogWriterOutput hearToolkit(GLogLevelFlags level, const GLogField *fields, gsiz
 {
     const bool isToolkit = level & G_LOG_LEVEL_MESSAGE && strcmp(field(fields, count, "GLIB_DOMAIN"), "Gdk") == 0;
     if (isToolkit && isLostCompositor(field(fields, count, "MESSAGE")))
-        cleanUp();
+        cleanUpAfter(Loss::gone);
     return g_log_writer_default(level, fields, count, nullptr);
 }
 
 } // namespace
 
-void before_lost_display(void (*clean)())
+void before_lost_display(void (*clean)(), void (*close)())
 {
     cleanUp = clean;
+    closeOthers = close;
     XSetIOErrorHandler(leaveXServer);
     g_log_set_writer_func(hearToolkit, nullptr, nullptr);
     GdkDisplay *const display = gdk_display_get_default();
@@ -74,5 +93,19 @@ void leave_lost_display()
 {
     struct pollfd server = {xConnection, POLLRDHUP, 0};
     if (poll(&server, 1, 0) > 0)
-        leave();
+        leave(Loss::gone);
+}
+
+void leave_hung_program(int patienceSeconds)
+{
+    for (int seconds = 0; seconds < patienceSeconds && !isEndClaimed; seconds++)
+        g_usleep(G_USEC_PER_SEC);
+    if (!isEndClaimed.exchange(true))
+        leave(Loss::hung);
+}
+
+void claim_end()
+{
+    while (isEndClaimed.exchange(true))
+        pause();
 }

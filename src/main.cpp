@@ -57,6 +57,25 @@ bool isNormal()
     return g_strcmp0(session.mainWindow->urs, "normal") == 0;
 }
 
+// ------------------------------------------------------------------------------------------------------------- traces
+
+void closeAnnotationProgram()
+{
+    if (!isAnnotationAlive)
+        return;
+    UI_INFO_AS("main", "closing annotation since it is open");
+    AnnotationPipeWriter(session.mainWindow->annotation->pipePath, "Exit");
+}
+
+/// Needs nothing of the toolkit: when the display has gone, only the log and the file system are left.
+void removeTraces()
+{
+    UI_DEBUG("unlinking pipes");
+    if (isNormal())
+        unlinkPipes();
+    delete_desktop_file(desktopEntryName, session.mainWindow);
+}
+
 // ---------------------------------------------------------------------------------------------------------- start-up
 
 void prepareProcess()
@@ -79,19 +98,22 @@ void readOptions(int argc, char **argv)
     if (isEmpty(window->urs) || isNormal())
         releaseSigterm();
     else
-        followParent();
+        watchStart();
     create_desktop_file(desktopEntryName, window);
 }
 
 /// What may have to wait for the desktop. @return false when another companion runs
 bool reachDesktop(int argc, char **argv)
 {
-    const SigtermAtOnce endsAtOnce;
     XInitThreads();
     readOptions(argc, argv);
     gtk_init(&argc, &argv);
     session.mainWindow->clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
-    return registerOnlyInstance(&session.application);
+    if (!registerOnlyInstance(&session.application))
+        return false;
+    before_lost_display(removeTraces, closeAnnotationProgram);
+    noteDesktopReached();
+    return true;
 }
 
 void openLogAndChannel()
@@ -203,10 +225,18 @@ void startThreads()
     UI_INFO_AS("main", "Threads created");
 }
 
+/// Body of "Brindle-Starter".
+gpointer superviseAgent(gpointer mainwindow)
+{
+    AgentStarter(mainwindow);
+    leave_hung_program();
+    return nullptr;
+}
+
 void beginNormalSession()
 {
     UI_INFO_AS("main", "normal session");
-    session.watcher = g_thread_new("Brindle-Starter", AgentStarter, session.mainWindow);
+    session.watcher = g_thread_new("Brindle-Starter", superviseAgent, session.mainWindow);
     on_start_clicked(session.mainWindow->startStopSharingButton, session.mainWindow);
 }
 
@@ -223,8 +253,7 @@ void beginStartedSession()
     // First, as a parent that died before this program was its child can't be watched: nobody would read the line.
     session.watcher = g_thread_new("Brindle-UI-checker", watchAgent, window);
     pipewriter(g_UiStatus, "SendSessionDetails\n");
-    const MutexLock lock(&window->PingUiMutex);
-    window->isAlive = true;
+    noteFirstLineRead();
 }
 
 /// Theme and fonts are read with the first window: here, while there is time.
@@ -238,7 +267,7 @@ void waitStartDelay()
 {
     const gint64 end = g_get_monotonic_time() + startDelayUs;
     warmToolkit();
-    for (gint64 left; (left = end - g_get_monotonic_time()) > 0 && !isSigtermPending();)
+    for (gint64 left; (left = end - g_get_monotonic_time()) > 0 && !isStartOver();)
         g_usleep(gulong(MIN(left, startDelayStepUs)));
 }
 
@@ -258,14 +287,6 @@ void openWindow()
 
 // --------------------------------------------------------------------------------------------------------- shut-down
 
-void closeAnnotationProgram()
-{
-    if (!isAnnotationAlive)
-        return;
-    UI_INFO_AS("main", "closing annotation since it is open");
-    AnnotationPipeWriter(session.mainWindow->annotation->pipePath, "Exit");
-}
-
 void stopThreads()
 {
     pushText(messageQueue, OwnedText(g_strdup(stopSentinel)));
@@ -274,16 +295,9 @@ void stopThreads()
     g_threadChecker = false;
 }
 
-void removeTraces()
-{
-    UI_DEBUG("unlinking pipes");
-    if (isNormal())
-        unlinkPipes();
-    delete_desktop_file(desktopEntryName, session.mainWindow);
-}
-
 void shutDown()
 {
+    claim_end();
     closeAnnotationProgram();
     stopThreads();
     g_object_unref(session.application);
@@ -297,15 +311,6 @@ void shutDown()
     freeResource();
 }
 
-// ------------------------------------------------------------------------------------------------------ a lost display
-
-/// The toolkit can do nothing any more: only the log and the file system are left.
-void cleanUpLostDisplay()
-{
-    UI_INFO_AS("main", "the display has gone");
-    removeTraces();
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -315,7 +320,6 @@ int main(int argc, char **argv)
     session.chatWindow = new ChatWindow();
     if (!reachDesktop(argc, argv))
         return 0;
-    before_lost_display(cleanUpLostDisplay);
     openLogAndChannel();
     openWindow();
     startThreads();

@@ -32,7 +32,8 @@ GSList *nestedDialogs = nullptr;
 
 // How long callbacks run before the window may draw and answer again.
 constexpr gint64 sliceUs = 8000;
-// How long they may wait while the window does nothing but draw; drawing keeps most of the time even so.
+// How long they may wait while the window does nothing but draw; drawing keeps most of the time even so, unless one
+// callback takes longer than that.
 constexpr guint starvingMs = 20;
 // How soon dialogs that have not gone are told once more to go.
 constexpr guint cancelAgainMs = 50;
@@ -173,8 +174,12 @@ void cancelMessage(gpointer window, gpointer)
 
 gboolean cancelDialogs(gpointer)
 {
-    g_autoptr(GList) windows = gtk_window_list_toplevels();
+    GList *const windows = gtk_window_list_toplevels();
+    // A message may destroy itself, and others with it.
+    for (const GList *each = windows; each; each = each->next)
+        g_object_ref(each->data);
     g_list_foreach(windows, cancelMessage, nullptr);
+    g_list_free_full(windows, g_object_unref);
     g_slist_foreach(nestedDialogs, cancel, nullptr);
     return G_SOURCE_CONTINUE;
 }

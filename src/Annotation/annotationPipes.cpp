@@ -11,6 +11,7 @@
 #include "src/Dialog/dialogText.h"
 #include "src/Utils/descriptor.h"
 #include "src/Utils/pipeWaiting.h"
+#include "src/lostDisplay.h"
 #include "src/support.h"
 
 #include <fcntl.h>
@@ -33,9 +34,17 @@ constexpr gsize longestReport = 65536; // what is behind it is read and dropped
 // When the wait of a command at the end of the session is over. Written by the main thread as it ends.
 std::atomic<gint64> lastCommandDeadlineUs = 0;
 
+bool sessionEnds()
+{
+    if (quit_requested())
+        return true;
+    leave_lost_display();
+    return false;
+}
+
 bool sessionEndsOrProgramGone()
 {
-    return quit_requested() || !isAnnotationAlive || isAnnotationProgramGone();
+    return sessionEnds() || !isAnnotationAlive || isAnnotationProgramGone();
 }
 
 /// A plain file in the pipe's place would swallow the commands.
@@ -43,11 +52,6 @@ bool isPlainFile(const char *path)
 {
     struct stat status;
     return stat(path, &status) == 0 && !S_ISFIFO(status.st_mode);
-}
-
-bool sessionEnds()
-{
-    return quit_requested();
 }
 
 bool lastCommandIsLate()

@@ -1,5 +1,5 @@
 // The transport between the window and its agent: two FIFOs, one text per open-write-close. A write waits for its
-// reader in short steps instead of inside open(), so that a request to end the program and the display's end get
+// reader in short steps instead of inside open(), so that a request to end the program and the X server's end get
 // through to it.
 // Owns the pipe paths, which stay to the end of the process: threads that are not joined still hold them.
 

@@ -8,8 +8,10 @@
 #include "src/IdleThread/IdleThread.h"
 #include "src/Protocol/messageHandler.h"
 #include "src/Utils/Utils.h"
+#include "src/Utils/oneShotEvent.h"
 #include "src/Utils/webview.h"
 #include "src/localizationText.h"
+#include "src/lostDisplay.h"
 #include "src/sessionState.h"
 
 #include <malloc.h>
@@ -22,9 +24,9 @@ namespace
 {
 
 constexpr gulong livenessPeriodUs = 15UL * G_USEC_PER_SEC;
-// An agent that reads nothing for so long after it has started this program has gone.
-constexpr gint64 firstLinePatienceUs = gint64(60) * G_USEC_PER_SEC;
-constexpr gulong firstLineStepUs = 1000;
+// An agent that neither reads nor pings for so long after it has started this program has gone. Seconds are counted, no
+// clock is read: the machine may have been stopped.
+constexpr int firstLinePatienceSeconds = 300;
 constexpr gsize bigTextBytes = gsize(256) * 1024;
 constexpr gsize chatOffset = 5;        // "chat" and a separator
 constexpr gsize sessionKeyOffset = 11; // "sessionKey" and a separator
@@ -43,6 +45,8 @@ struct Route {
     Match match;
     void (*act)(const Inbound &inbound);
 };
+
+OneShotEvent firstLineWasRead;
 
 /// The rest of a text behind its keyword; a shorter text has none.
 const char *textFrom(const char *text, gsize offset)
@@ -267,17 +271,28 @@ gboolean giveMemoryBack(MainWindow *)
     return G_SOURCE_REMOVE;
 }
 
-bool hasSignOfLife(MainWindow *mainwindow)
-{
-    const MutexLock lock(&mainwindow->PingUiMutex);
-    return mainwindow->isAlive;
-}
-
 /// Takes the sign of life; true when there was one since the last time.
 bool takeSignOfLife(MainWindow *mainwindow)
 {
     const MutexLock lock(&mainwindow->PingUiMutex);
     return std::exchange(mainwindow->isAlive, false);
+}
+
+void noteSignOfLife(MainWindow *mainwindow)
+{
+    const MutexLock lock(&mainwindow->PingUiMutex);
+    mainwindow->isAlive = true;
+}
+
+/// A ping before the first line was read only says that somebody is there; reading it is a sign of life.
+void waitForFirstReader(MainWindow *mainwindow)
+{
+    for (int silent = 0; silent < firstLinePatienceSeconds && !quit_requested(); silent++) {
+        if (firstLineWasRead.wait(1000))
+            return noteSignOfLife(mainwindow);
+        if (takeSignOfLife(mainwindow))
+            silent = 0;
+    }
 }
 
 } // namespace
@@ -306,16 +321,21 @@ gpointer messageParser(gpointer threadData)
 
 gpointer watchAgent(gpointer mainwindow)
 {
-    const gint64 end = g_get_monotonic_time() + firstLinePatienceUs;
-    while (g_threadChecker && !hasSignOfLife(static_cast<MainWindow *>(mainwindow)) && g_get_monotonic_time() < end)
-        g_usleep(firstLineStepUs);
-    return uiChecker(mainwindow);
+    waitForFirstReader(static_cast<MainWindow *>(mainwindow));
+    uiChecker(mainwindow);
+    leave_hung_program();
+    return nullptr;
+}
+
+void noteFirstLineRead()
+{
+    firstLineWasRead.happen();
 }
 
 gpointer uiChecker(gpointer mainwindow)
 {
     UI_ENTER();
-    while (g_threadChecker) {
+    while (g_threadChecker && !quit_requested()) {
         UI_INFO("Checking ss is alive");
         if (!takeSignOfLife(static_cast<MainWindow *>(mainwindow))) {
             UI_INFO("UI thread is not alive, exiting");

@@ -10,6 +10,7 @@ from transcriptTest import StoppedClock
 from waiting import stays, until
 
 WITHIN = 2.5
+FIVE_MINUTES_IN_TWENTY_SECONDS = 15  # how much faster the program's clock runs
 SILENT = "UI thread is not alive, exiting"
 QUESTIONS = ("rebootPc", "configureURS x", "samecon", "fileTransferReceive a 1", "acall", "launchScript x", "lockuser",
              "command 42", "runAsService", "userConcent aGVsbG8= 1 feature", "initswap Ann")
@@ -184,9 +185,10 @@ class WhileItStarts(DyingCase):
         alone = "while kill -0 $$ 2>/dev/null; do sleep 0.01; done"
         for reader in (True, False):
             with self.subTest(reader=reader):
-                session, program = start_below_shell(self, first=alone, before="exit", agent=reader, pings=False)
+                session, program = start_below_shell(self, first=alone, before="exit", agent=reader, pings=False,
+                                                     speed=FIVE_MINUTES_IN_TWENTY_SECONDS)
                 session.process.wait()
-                self.assertEqual(self.wait_for_orphan(session, program, 30), 0)
+                self.assertEqual(self.wait_for_orphan(session, program, 60), 0)
                 self.assertEqual(session.log.count(SILENT), 1)
                 self.assertEqual(session.log.count("Caught sigterm"), 0)
                 self.ended_in_order(session)

@@ -8,7 +8,7 @@ import subprocess
 
 from faultServers import DELETED, DesktopCase, NO_BUS, new_display
 from faultSignalTest import group_of
-from session import Home, main
+from session import FAST, Home, main
 from waiting import until
 
 
@@ -33,11 +33,10 @@ class OwnDisplayCase(DesktopCase):
             until(session.home.agent_starts, "the agent starts")
         return session
 
-    def says_why_and_leaves_nothing(self, session):
+    def says_why_and_leaves_nothing(self, session, reason="the display has gone"):
         self.assertEqual(session.wait(), 1)
-        self.assertIsNone(session.log.has_in_order("the display has gone", DELETED.format(session.home.entry)),
-                          session.log.tail())
-        self.assertEqual(session.log.count("the display has gone"), 1)
+        self.assertIsNone(session.log.has_in_order(reason, DELETED.format(session.home.entry)), session.log.tail())
+        self.assertEqual(session.log.count(reason), 1)
         self.assertFalse(session.home.entry.exists())
         # Nobody ends the agent of a "normal" session: it goes on.
         agents = {int(start[0]) for start in session.home.agent_starts()}
@@ -74,6 +73,17 @@ class AnXServer(OwnDisplayCase):
                 session.process.send_signal(signal.SIGTERM)
                 self.assertEqual(session.wait(), -signal.SIGTERM)
                 self.assertEqual(group_of(session.pid), set())
+
+    def test_that_hangs_later_keeps_no_started_session_from_a_signal(self):
+        # The display stops in the start's pause, or after it.
+        for speed, moment in ((3, "User Path Set"), (FAST, "registerd for parent kill signal")):
+            with self.subTest(moment):
+                display = new_display(self)
+                session = self.start_on(display, speed=speed, kind="ras")
+                session.log.expect(moment)
+                display.process.send_signal(signal.SIGSTOP)
+                session.process.send_signal(signal.SIGTERM)
+                self.says_why_and_leaves_nothing(session, "the window hangs")
 
     def test_that_is_not_there_ends_the_program_with_a_word(self):
         session = self.start(environment={"DISPLAY": ":65000"})

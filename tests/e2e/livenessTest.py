@@ -31,6 +31,15 @@ class TheProgram(SessionCase):
         self.assertEqual(session.log.count("UI thread is not alive, exiting"), 0)
         self.assertEqual(session.quit(), 0)
 
+    def test_waits_for_a_late_reader_whatever_was_pinged_before(self):
+        session = self.start(kind="ras", agent=False, pings=False)
+        session.log.expect("registerd for parent kill signal")
+        session.send("PING UI")
+        stays(session.alive, "the session waits", seconds=70 / FAST)
+        with open(session.home.pipes / "myfifo") as pipe:
+            self.assertEqual(pipe.readline(), "SendSessionDetails\n")
+        self.expect_ended_for_silence(session, self.ends_after(session))
+
     def test_ends_without_a_ping(self):
         session = self.start(kind="ras", pings=False)
         self.expect_ended_for_silence(session, self.ends_after(session))
