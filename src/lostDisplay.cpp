@@ -17,20 +17,25 @@
 namespace
 {
 
-// Written by before_lost_display, before either display can be found lost.
+// Written by before_leaving, before either display can be found lost.
 void (*cleanUp)() = nullptr;
 void (*closeOthers)() = nullptr;
-// The connection to the X server; -1 without one. Written by before_lost_display.
+// The connection to the X server; -1 without one. Written by watch_display.
 int xConnection = -1;
 // Set by the thread that ends the process.
 std::atomic<bool> isLeaving = false;
 // Set by the first who ends the program that was asked to end: the main thread, or one that has waited for it in vain.
 std::atomic<bool> isEndClaimed = false;
+// Set while an `UnbrokenWork` lives.
+std::atomic<bool> isWorkUnbroken = false;
 
 enum class Loss { gone, hung };
 
+/// Toolkit and waiting threads may all notice: the first one cleans up, the others wait here for the end.
 void cleanUpAfter(Loss loss)
 {
+    while (isLeaving.exchange(true))
+        pause();
     if (loss == Loss::gone) {
         UI_INFO_AS("main", "the display has gone");
     } else {
@@ -40,11 +45,8 @@ void cleanUpAfter(Loss loss)
     cleanUp();
 }
 
-/// Toolkit and a waiting thread may both notice: the second one waits here for the end.
 [[noreturn]] void leave(Loss loss)
 {
-    while (isLeaving.exchange(true))
-        pause();
     cleanUpAfter(loss);
     _exit(EXIT_FAILURE);
 }
@@ -78,10 +80,14 @@ GLogWriterOutput hearToolkit(GLogLevelFlags level, const GLogField *fields, gsiz
 
 } // namespace
 
-void before_lost_display(void (*clean)(), void (*close)())
+void before_leaving(void (*clean)(), void (*close)())
 {
     cleanUp = clean;
     closeOthers = close;
+}
+
+void watch_display()
+{
     XSetIOErrorHandler(leaveXServer);
     g_log_set_writer_func(hearToolkit, nullptr, nullptr);
     GdkDisplay *const display = gdk_display_get_default();
@@ -96,9 +102,19 @@ void leave_lost_display()
         leave(Loss::gone);
 }
 
+UnbrokenWork::UnbrokenWork()
+{
+    isWorkUnbroken = true;
+}
+
+UnbrokenWork::~UnbrokenWork()
+{
+    isWorkUnbroken = false;
+}
+
 void leave_hung_program(int patienceSeconds)
 {
-    for (int seconds = 0; seconds < patienceSeconds && !isEndClaimed; seconds++)
+    for (int seconds = 0; seconds < patienceSeconds && !isEndClaimed; seconds = isWorkUnbroken ? 0 : seconds + 1)
         g_usleep(G_USEC_PER_SEC);
     if (!isEndClaimed.exchange(true))
         leave(Loss::hung);

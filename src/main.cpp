@@ -111,7 +111,8 @@ bool reachDesktop(int argc, char **argv)
     session.mainWindow->clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
     if (!registerOnlyInstance(&session.application))
         return false;
-    before_lost_display(removeTraces, closeAnnotationProgram);
+    before_leaving(removeTraces, closeAnnotationProgram);
+    watch_display();
     noteDesktopReached();
     return true;
 }

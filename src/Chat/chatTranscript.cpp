@@ -6,6 +6,7 @@
 #include "Logger/logger.h"
 #include "src/IdleThread/infoBar.h"
 #include "src/localizationText.h"
+#include "src/lostDisplay.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -138,6 +139,7 @@ void logWriteError()
 /// A file that can't be opened is passed over in silence.
 void writeTranscript(const char *path, ChatWindow *chatwindow)
 {
+    const UnbrokenWork work; // opening it empties the one before
     const int file = openTranscript(path);
     if (file < 0)
         return;

@@ -2,12 +2,14 @@
 
 import os
 import signal
+import socket
+import struct
 import time
 
 from annotationCase import HINT, MIDDLE, PEN_COLOUR, AnnotationCase
-from screen import colour_at, key
-from session import main
-from waiting import PATIENCE
+from screen import colour_at, key, the_display
+from session import Home, main
+from waiting import PATIENCE, until
 
 
 class TheOverlay(AnnotationCase):
@@ -51,6 +53,29 @@ class TheOverlay(AnnotationCase):
         self.assertEqual(self.session.quit(), 0)
         self.gone(overlay, seconds=2)
         self.assertLess(time.monotonic() - start, 2 * PATIENCE)
+
+    def test_is_told_to_end_by_a_session_whose_display_hangs(self):
+        home = Home()
+        home.install_annotation()
+        self.use(self.start(home=home).ready())
+        self.toggle()
+        program, = until(self.programs, "the program runs")
+        self.application.find("push button", "Pen")
+        server = x_server()
+        os.kill(server, signal.SIGSTOP)
+        try:
+            home.agent_ends(0)
+            self.assertEqual(self.session.wait(), 1)
+        finally:
+            os.kill(server, signal.SIGCONT)
+        self.assertEqual(self.session.log.count("the window hangs"), 1)
+        self.gone(program)
+
+
+def x_server():
+    """Process of the server that the display is on."""
+    connection = the_display().display.socket
+    return struct.unpack("3i", connection.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, 12))[0]
 
 
 if __name__ == "__main__":

@@ -33,11 +33,14 @@ class OwnDisplayCase(DesktopCase):
             until(session.home.agent_starts, "the agent starts")
         return session
 
-    def says_why_and_leaves_nothing(self, session, reason="the display has gone"):
+    def says_why(self, session, reason):
         self.assertEqual(session.wait(), 1)
         self.assertIsNone(session.log.has_in_order(reason, DELETED.format(session.home.entry)), session.log.tail())
         self.assertEqual(session.log.count(reason), 1)
         self.assertFalse(session.home.entry.exists())
+
+    def says_why_and_leaves_nothing(self, session, reason="the display has gone"):
+        self.says_why(session, reason)
         # Nobody ends the agent of a "normal" session: it goes on.
         agents = {int(start[0]) for start in session.home.agent_starts()}
         self.assertEqual(len(agents), 1 if session.kind == "normal" else 0)
@@ -84,6 +87,14 @@ class AnXServer(OwnDisplayCase):
                 display.process.send_signal(signal.SIGSTOP)
                 session.process.send_signal(signal.SIGTERM)
                 self.says_why_and_leaves_nothing(session, "the window hangs")
+
+    def test_that_hangs_keeps_no_session_from_its_agents_end(self):
+        display = new_display(self)
+        session = self.ready(self.start_on(display))
+        display.process.send_signal(signal.SIGSTOP)
+        session.home.agent_ends(0)
+        self.says_why(session, "the window hangs")
+        self.assertEqual(os.listdir(session.home.pipes), [])
 
     def test_that_is_not_there_ends_the_program_with_a_word(self):
         session = self.start(environment={"DISPLAY": ":65000"})

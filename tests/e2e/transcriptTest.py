@@ -18,6 +18,7 @@ from waiting import until  # noqa: E402
 QUESTION = "Save Chat Transcript"
 FILE = "Brindle_Chat_Log_.txt"
 NO_RIGHTS = "You don't have enough privilege to access the file"
+SLOW_DISK = os.environ["SLOW_DISK"]  # to be loaded into the program
 STARS = ("*" * 93 + "\n") * 2
 
 
@@ -59,6 +60,10 @@ class TranscriptCase(ChatCase):
         self.session.windows.wait_focus(QUESTION)
 
     def save(self, folder):
+        self.begin_to_save(folder)
+        self.answered()
+
+    def begin_to_save(self, folder):
         self.ask()
         click(lambda: self.application.look("label", "Home"))  # a path typed into the list of recent folders opens none
         self.application.find("toggle button", self.session.home.path.name)
@@ -68,7 +73,6 @@ class TranscriptCase(ChatCase):
         xdotool("type", folder)
         until(lambda: (self.entry() or "").rstrip("/") == str(folder), lambda: f"{folder}; there is {self.entry()!r}")
         key("Return")
-        self.answered()
 
     def entry(self):
         """What stands in the question's field for a path, once that takes keys; else None."""
@@ -262,6 +266,17 @@ class TheFile(TranscriptCase):
         self.assertGreater(len(written), 4000)
         self.assertEqual(written, whole[:len(written)])
         self.assertEqual(self.session.warnings(), [])
+
+    def test_on_a_slow_disk_is_whole_before_the_session_ends(self):
+        fast = faster_clock(FAST)
+        self.begin(environment={**fast, "LD_PRELOAD": f"{SLOW_DISK} {fast['LD_PRELOAD']}"})
+        folder = self.folder()
+        (folder / FILE).write_text("the one before")
+        self.begin_to_save(folder)
+        until(lambda: (folder / FILE).stat().st_size == 0, "the file is opened")
+        self.session.home.agent_ends(0)
+        self.assertEqual(self.session.wait(), 0)
+        self.names_key(folder / FILE, "", "normal")
 
 
 class TheQuestion(TranscriptCase):
