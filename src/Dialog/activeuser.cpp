@@ -55,6 +55,27 @@ using Bus = std::unique_ptr<GDBusConnection, BusDeleter>;
 using Variant = std::unique_ptr<GVariant, VariantDeleter>;
 using Text = std::unique_ptr<char, TextDeleter>;
 
+/// Where the bus tells the thread that it has closed, which ends the program until the bus is told otherwise: not in
+/// the main thread's context, which runs by itself.
+class OwnContext
+{
+public:
+    OwnContext() { g_main_context_push_thread_default(m_context); }
+    ~OwnContext()
+    {
+        while (g_main_context_iteration(m_context, FALSE)) {
+            // what is left holds the bus
+        }
+        g_main_context_pop_thread_default(m_context);
+        g_main_context_unref(m_context);
+    }
+    OwnContext(const OwnContext &) = delete;
+    OwnContext &operator=(const OwnContext &) = delete;
+
+private:
+    GMainContext *m_context = g_main_context_new();
+};
+
 /// One question after the user, which a thread of its own asks: a bus that falls silent may keep it for long.
 class Lookup
 {
@@ -297,6 +318,7 @@ char *readUserName(const Manager &manager, const char *path)
 /// Name of the seat's user for `free`, or null.
 char *askForUser(Lookup &lookup)
 {
+    const OwnContext context;
     const Manager manager = {lookup, connectToSystemBus(lookup)};
     if (!manager.bus)
         return nullptr;
