@@ -25,6 +25,7 @@ constexpr int lookEveryMs = 50;
 
 // Written by holdBackSigterm before any other thread runs.
 pid_t firstParent = 0;
+pid_t ownProcess = 0;
 // "Brindle-start" while the start is watched. Main thread.
 GThread *startWatcher = nullptr;
 std::atomic<bool> isStartWatched = false;
@@ -58,9 +59,15 @@ bool hasParentGone()
     return getppid() != firstParent;
 }
 
+void leaveSigtermAlone()
+{
+    signal(SIGTERM, SIG_DFL);
+    releaseSigterm(); // one that waits ends the process here
+}
+
 void endBySigterm()
 {
-    releaseSigterm(); // one that waits ends the process here
+    leaveSigtermAlone();
     raise(SIGTERM);
 }
 
@@ -92,17 +99,12 @@ void endStartWatch()
 /// Calls nothing that a thread may be in the middle of, unless this is the thread that serves.
 void handleSigterm(int signalNumber)
 {
-    if (pthread_equal(pthread_self(), signalThread))
+    if (getpid() != ownProcess)
+        endBySigterm(); // forked a moment ago
+    else if (pthread_equal(pthread_self(), signalThread))
         ParentSignal(signalNumber);
     else
         pthread_kill(signalThread, signalNumber);
-}
-
-/// In a forked process, where the handler must not run.
-void leaveSigtermAlone()
-{
-    signal(SIGTERM, SIG_DFL);
-    releaseSigterm();
 }
 
 bool followParent()
@@ -142,6 +144,7 @@ gpointer serveSigterm(gpointer data)
 void holdBackSigterm()
 {
     firstParent = getppid();
+    ownProcess = getpid();
     const sigset_t set = sigtermAlone();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     pthread_atfork(nullptr, nullptr, leaveSigtermAlone); // what a library forks ends by it as well

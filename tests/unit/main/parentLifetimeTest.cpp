@@ -100,6 +100,14 @@ TEST_F(ParentLifetime, SigtermEndsWhatIsForkedAtOnce)
     EXPECT_FALSE(logHas("Caught sigterm"));
 }
 
+TEST_F(ParentLifetime, SigtermEndsWhatWasForkedAMomentAgo)
+{
+    pthread_atfork(nullptr, nullptr, [] { raise(SIGTERM); }); // called before the program's own
+    holdBackSigterm();
+    handle_on_Parent_kill();
+    EXPECT_EXIT(_exit(EXIT_SUCCESS), testing::KilledBySignal(SIGTERM), "");
+}
+
 TEST_F(ParentLifetime, AnotherSignalOnlyLogs)
 {
     ParentSignal(SIGUSR1);
