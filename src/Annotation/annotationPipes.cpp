@@ -31,7 +31,7 @@ namespace
 constexpr gint64 lastCommandWaitUs = 1500000;
 constexpr gsize longestReport = 65536; // what is behind it is read and dropped
 
-// When the wait of a command at the end of the session is over. Written by the main thread as it ends.
+// When the wait of a command at the end of the session is over. Written by the thread that ends it.
 std::atomic<gint64> lastCommandDeadlineUs = 0;
 
 bool sessionEnds()

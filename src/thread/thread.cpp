@@ -1,5 +1,6 @@
 // The dispatcher and the liveness check. A text from the pipe comes out of the queue, is walked line by line, and each
-// line acts through the first row of the table that matches it. Nothing here waits for the agent or for the screen.
+// line acts through the first row of the table that matches it. The dispatcher waits neither for the agent nor for the
+// screen.
 
 #include "src/thread/thread.h"
 
