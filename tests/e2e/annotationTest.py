@@ -7,6 +7,7 @@ import struct
 import time
 
 from annotationCase import HINT, MIDDLE, PEN_COLOUR, AnnotationCase
+from faultServers import hang
 from screen import colour_at, key, the_display
 from session import Home, main
 from waiting import PATIENCE, until
@@ -62,8 +63,8 @@ class TheOverlay(AnnotationCase):
         program, = until(self.programs, "the program runs")
         self.application.find("push button", "Pen")
         server = x_server()
-        os.kill(server, signal.SIGSTOP)
         try:
+            hang(self.session, server)
             home.agent_ends(0)
             self.assertEqual(self.session.wait(), 1)
         finally:

@@ -6,9 +6,9 @@ import re
 import signal
 import subprocess
 
-from faultServers import DELETED, DesktopCase, NO_BUS, new_display
+from faultServers import DELETED, DesktopCase, NO_BUS, hang, new_display
 from faultSignalTest import group_of
-from session import FAST, Home, main
+from session import Home, main
 from waiting import until
 
 
@@ -78,20 +78,24 @@ class AnXServer(OwnDisplayCase):
                 self.assertEqual(group_of(session.pid), set())
 
     def test_that_hangs_later_keeps_no_started_session_from_a_signal(self):
-        # The display stops in the start's pause, or after it.
-        for speed, moment in ((3, "User Path Set"), (FAST, "registerd for parent kill signal")):
-            with self.subTest(moment):
-                display = new_display(self)
-                session = self.start_on(display, speed=speed, kind="ras")
-                session.log.expect(moment)
-                display.process.send_signal(signal.SIGSTOP)
+        def stop_in_the_pause(display):
+            session = self.start_on(display, speed=3, kind="ras")
+            session.log.expect("User Path Set")
+            display.process.send_signal(signal.SIGSTOP)
+            return session
+
+        def stop_later(display):
+            return hang(self.start_on(display, kind="ras").ready(), display.process.pid)
+
+        for stop in (stop_in_the_pause, stop_later):
+            with self.subTest(stop.__name__):
+                session = stop(new_display(self))
                 session.process.send_signal(signal.SIGTERM)
                 self.says_why_and_leaves_nothing(session, "the window hangs")
 
     def test_that_hangs_keeps_no_session_from_its_agents_end(self):
         display = new_display(self)
-        session = self.ready(self.start_on(display))
-        display.process.send_signal(signal.SIGSTOP)
+        session = hang(self.ready(self.start_on(display)), display.process.pid)
         session.home.agent_ends(0)
         self.says_why(session, "the window hangs")
         self.assertEqual(os.listdir(session.home.pipes), [])

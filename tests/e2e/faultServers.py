@@ -5,6 +5,7 @@ import signal
 import subprocess
 
 from session import SessionCase
+from waiting import until
 
 NO_BUS = "unix:path=/nonexistent/bus"
 DELETED = "Deleted .desktop file at: {}"
@@ -36,6 +37,15 @@ def new_bus(case):
 
 def new_display(case):
     return Helper(case, ["Xvfb", "-displayfd", "{}", "-screen", "0", "800x600x24", "-nolisten", "tcp"])
+
+
+def hang(session, display):
+    """The process of the display stops, and a question to be shown there keeps the window; gives the session."""
+    os.kill(display, signal.SIGSTOP)
+    session.send("dialogPrompt launchScript a.sh")
+    until(lambda: any(line.function == "show_dialog_script_launcher" for line in session.log.lines()),
+          "the question is on its way")
+    return session
 
 
 class DesktopCase(SessionCase):

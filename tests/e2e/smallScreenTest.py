@@ -235,6 +235,8 @@ class TheWindowAtTwiceTheSize(SmallScreen):
         before = frame.get_extents(Atspi.CoordType.SCREEN).height
         self.add_participants(12)
         self.press("Participant")
+        self.application.find("label", self.texts["Participants"])
+        until(lambda: frame.get_extents(Atspi.CoordType.SCREEN).height > before, lambda: self.misses(frame))
         self.fits(frame)
         self.press("Participant")
         until(lambda: frame.get_extents(Atspi.CoordType.SCREEN).height == before, lambda: self.misses(frame))
