@@ -8,15 +8,18 @@ namespace
 
 constexpr char applicationId[] = "com.brindle.ui";
 
-bool isNameOwned(GDBusConnection *bus)
+/// True when it is another program's: a registration that failed because its answer came late has taken the name for
+/// this one all the same.
+bool isNameTaken(GDBusConnection *bus)
 {
     g_autoptr(GVariant) reply = g_dbus_connection_call_sync(
-        bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
-        g_variant_new("(s)", applicationId), G_VARIANT_TYPE("(b)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-    gboolean owned = FALSE;
-    if (reply)
-        g_variant_get(reply, "(b)", &owned);
-    return owned;
+        bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner",
+        g_variant_new("(s)", applicationId), G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+    if (!reply)
+        return false;
+    const char *owner = nullptr;
+    g_variant_get(reply, "(&s)", &owner);
+    return g_strcmp0(owner, g_dbus_connection_get_unique_name(bus)) != 0;
 }
 
 } // namespace
@@ -27,11 +30,11 @@ bool registerOnlyInstance(GApplication **application)
     if (bus) {
         // A bus that goes away must not take the session with it.
         g_dbus_connection_set_exit_on_close(bus, FALSE);
-        if (isNameOwned(bus))
+        if (isNameTaken(bus))
             return false;
     }
     *application = g_application_new(applicationId, GApplicationFlags(0));
     if (g_application_register(*application, nullptr, nullptr))
         return !g_application_get_is_remote(*application);
-    return !bus || !isNameOwned(bus);
+    return !bus || !isNameTaken(bus);
 }
