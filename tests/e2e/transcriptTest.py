@@ -1,6 +1,7 @@
 """The conversation is saved through the real button and folder question: every byte of the file, and what the customer
 sees when it can't be written."""
 
+import contextlib
 import os
 import re
 
@@ -13,7 +14,7 @@ from chatPanel import ChatCase  # noqa: E402
 from rootLayoutTest import MACHINE, REACH, RootCase  # noqa: E402
 from screen import click, has_state, key, place_of, sensitive, xdotool  # noqa: E402
 from session import FAST, SANDBOX, Home, faster_clock, main  # noqa: E402
-from waiting import until  # noqa: E402
+from waiting import TimedOut, until  # noqa: E402
 
 QUESTION = "Save Chat Transcript"
 FILE = "Brindle_Chat_Log_.txt"
@@ -65,14 +66,22 @@ class TranscriptCase(ChatCase):
 
     def begin_to_save(self, folder):
         self.ask()
-        click(lambda: self.application.look("label", "Home"))  # a path typed into the list of recent folders opens none
-        self.application.find("toggle button", self.session.home.path.name)
+        self.go_home()  # a path typed into the list of recent folders opens none
         key("ctrl+l")
         until(lambda: self.entry() is not None, "a field for the path")
         key("ctrl+a")
         xdotool("type", folder)
         until(lambda: (self.entry() or "").rstrip("/") == str(folder), lambda: f"{folder}; there is {self.entry()!r}")
         key("Return")
+
+    def go_home(self):
+        """The list of places is built anew while it fills; a click that falls into that is made once more."""
+        for _ in range(3):
+            click(lambda: self.application.look("label", "Home"))
+            with contextlib.suppress(TimedOut):
+                return until(lambda: self.application.look("toggle button", self.session.home.path.name),
+                             "the customer's folder", seconds=5)
+        raise TimedOut("the customer's folder is never shown")
 
     def entry(self):
         """What stands in the question's field for a path, once that takes keys; else None."""
