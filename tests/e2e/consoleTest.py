@@ -126,7 +126,7 @@ class Lines(ConsoleCase):
             until(lambda: self.conversation(session, message), f"{message!r} in the chat")
         until(lambda: Atspi.Text.get_text(console.find("text", "Chat message: message"), 0, -1) == "", "an empty field")
         for name in ("John Smith", "Ann Lee"):
-            self.assertTrue(self.conversation(session, name))
+            until(lambda: self.conversation(session, name), lambda: f"{name!r} in the chat; there is {self.views(session)}")
         focus(session.application.find("text", "Message"), "Brindle")
         xdotool("type", "--delay", "10", "Me & you")
         key("Return")
@@ -142,8 +142,11 @@ class Lines(ConsoleCase):
         session.log.expect("Unhandled message  somethingNew")
 
     @staticmethod
-    def conversation(session, text):
-        return any(text in Atspi.Text.get_text(view, 0, -1) for view in session.application.shown_all("text"))
+    def views(session):
+        return [Atspi.Text.get_text(view, 0, -1) for view in session.application.shown_all("text")]
+
+    def conversation(self, session, text):
+        return any(text in view for view in self.views(session))
 
 
 class Scripts(ConsoleCase):
