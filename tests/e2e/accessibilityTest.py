@@ -54,18 +54,13 @@ class AccessCase(PromptCase):
         self.add_participants("Ann%20Lee 41")
         self.session.send("chat Bob\nhello")
         self.session.send("sessionStatus Connected")
-        for name, sign in zip(PANELS, ("Ann Lee", None, "Send File", "Pen")):
-            self.open_panel(name, sign)
+        # Those two have opened their panels; a click would close them.
+        self.application.find("label", "Ann Lee")
+        self.application.find("text", "Message")
+        for panel, sign in (("File Transfer", "Send File"), ("Annotation", "Pen")):
+            click(self.application.find("push button", panel))
+            self.application.find("push button", sign)
         self.application.find("push button", "Pause Screen Sharing")
-
-    def open_panel(self, name, sign):
-        """A participant and a message open theirs; a click would close it."""
-        role = "label" if name == "Participant" else "push button"
-        if name == "Chat":
-            self.application.find("text", "Message")
-        elif not self.application.look(role, sign):
-            click(self.application.find("push button", name))
-            self.application.find(role, sign)
 
     def focused(self):
         """Name of the control that has the keyboard."""

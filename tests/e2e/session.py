@@ -12,6 +12,7 @@ import tempfile
 import threading
 import time
 import unittest
+from contextlib import contextmanager
 
 import gi
 
@@ -287,6 +288,7 @@ class SessionCase(unittest.TestCase):
 
     def setUp(self):
         self.sessions = []
+        self._is_shown = False
         self.addCleanup(self._finish)
 
     @classmethod
@@ -306,16 +308,29 @@ class SessionCase(unittest.TestCase):
         self.addCleanup(home.remove)
         return home
 
+    @contextmanager
+    def subTest(self, *words, **values):
+        """As the library's; its first failure is shown as it happens, as the rest goes on with the same sessions."""
+        with super().subTest(*words, **values):
+            try:
+                yield
+            except Exception:
+                self._show()
+                raise
+
     def _finish(self):
-        everyone = self.sessions + self.class_sessions
         result = self._outcome.result
-        failed = any(test is self for test, _ in result.failures + result.errors)
-        if failed and everyone:
-            self._show(everyone)
+        if any(test is self for test, _ in result.failures + result.errors):
+            self._show()
         for session in self.sessions:
             session.clean_up()
 
-    def _show(self, sessions):
+    def _show(self):
+        """Pictures and logs for whoever looks into a failure, once for each test."""
+        sessions = self.sessions + self.class_sessions
+        if self._is_shown or not sessions:
+            return
+        self._is_shown = True
         path = PICTURES / f"{self.id()}.png"
         picture(path)
         print(f"--- {self.id()}: picture in {path}", file=sys.stderr)

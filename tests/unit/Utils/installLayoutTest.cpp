@@ -29,6 +29,12 @@ struct Layout {
     const char *productWord;
 };
 
+/// What the names of the tests say of a row; the library would print its bytes, which differ from build to build.
+void PrintTo(const Layout &row, std::ostream *out)
+{
+    *out << row.sessionType << (*row.home ? " with" : " without") << " HOME";
+}
+
 const Layout layoutRows[] = {
     {"normal", "HOME", "HOME/.brindle/Brindle/Logs", "HOME/.brindle/temp", "HOME/.brindle/Brindle/Resource",
      "HOME/.brindle/Brindle/Resource/record.gif", "HOME/.brindle/Brindle/bin/Settings.json", "User Path Set",
