@@ -2,8 +2,9 @@
 reach. Which names and which focus each question has is looked at by questionAccessTest."""
 
 from arSessionTest import TITLE, InvitationCase
+from keyboard import key
 from promptCase import PromptCase, encoded
-from screen import Atspi, click, everything, grab_focus, has_state, key, shown
+from screen import Atspi, click, everything, grab_focus, has_state, shown
 from session import Home, main
 from waiting import until
 
@@ -54,13 +55,13 @@ class AccessCase(PromptCase):
         self.add_participants("Ann%20Lee 41")
         self.session.send("chat Bob\nhello")
         self.session.send("sessionStatus Connected")
-        # Those two have opened their panels; a click would close them.
-        self.application.find("label", "Ann Lee")
+        # The message opens its panel, which moves all others.
         self.application.find("text", "Message")
-        for panel, sign in (("File Transfer", "Send File"), ("Annotation", "Pen")):
-            click(self.application.find("push button", panel))
-            self.application.find("push button", sign)
         self.application.find("push button", "Pause Screen Sharing")
+        for panel, role, sign in (("Participant", "label", "Ann Lee"), ("File Transfer", "push button", "Send File"),
+                                  ("Annotation", "push button", "Pen")):
+            click(self.application.find("push button", panel))
+            self.application.find(role, sign)
 
     def focused(self):
         """Name of the control that has the keyboard."""

@@ -10,9 +10,11 @@ NAMES = ["Participant", "Chat", "File Transfer", "Annotation", "More", "Download
 
 class TheWindow(WholeWindowCase):
     def open_everything(self):
-        for button in ("Participant", "Chat", "File Transfer", "Annotation"):
+        for button, role, content in (("Participant", "label", "No participant has joined"), ("Chat", "text", "Message"),
+                                      ("File Transfer", "push button", "Send File"),
+                                      ("Annotation", "push button", "Pen")):
             click(self.application.find("push button", button))
-        self.application.find("push button", "Pen")
+            self.application.find(role, content)
         self.session.send("sessionStatus participantsAdd Ann%20Lee 42 true")
         self.application.has_label("Ann Lee")
 

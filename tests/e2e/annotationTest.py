@@ -8,7 +8,8 @@ import time
 
 from annotationCase import HINT, MIDDLE, PEN_COLOUR, AnnotationCase
 from faultServers import hang
-from screen import colour_at, key, the_display
+from keyboard import key
+from screen import colour_at, the_display
 from session import Home, main
 from waiting import PATIENCE, until
 

@@ -10,7 +10,8 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from chatPanel import ChatCase  # noqa: E402
-from screen import children, colour_at, key, picture, place_of, xdotool  # noqa: E402
+from keyboard import key  # noqa: E402
+from screen import children, colour_at, picture, place_of, xdotool  # noqa: E402
 from session import PICTURES, SANDBOX, lives, main  # noqa: E402
 from waiting import until  # noqa: E402
 

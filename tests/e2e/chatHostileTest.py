@@ -3,7 +3,8 @@
 import subprocess
 
 from chatPanel import ChatCase, escaped
-from screen import click, key
+from keyboard import key
+from screen import click
 from session import main
 from waiting import until
 

@@ -12,9 +12,10 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
+from keyboard import key  # noqa: E402
 from pipes import PipeReader, send_text  # noqa: E402
 import screen  # noqa: E402
-from screen import Application, Windows, everything, grab_focus, has_state, key, sensitive, shown, xdotool  # noqa: E402
+from screen import Application, Windows, everything, grab_focus, has_state, sensitive, shown, xdotool  # noqa: E402
 from session import SIMULATOR, Home, SessionCase, lives, main  # noqa: E402
 from waiting import until  # noqa: E402
 

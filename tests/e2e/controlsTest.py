@@ -4,7 +4,8 @@ import os
 import select
 import time
 
-from screen import Pixels, click, grab_focus, key, sensitive, xdotool
+from keyboard import key
+from screen import Pixels, click, grab_focus, sensitive, xdotool
 from session import RESOURCES, SessionCase, main
 from waiting import stays, until
 

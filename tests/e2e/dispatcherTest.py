@@ -2,7 +2,8 @@
 
 import re
 
-from screen import Atspi, click, key, shown, xdotool
+from keyboard import key
+from screen import Atspi, click, shown, xdotool
 from session import SessionCase, main
 from waiting import stays, until
 

@@ -4,7 +4,8 @@ import base64
 import signal
 import time
 
-from screen import Atspi, click, key
+from keyboard import key
+from screen import Atspi, click
 from session import FAST, SessionCase, main
 from waiting import until
 

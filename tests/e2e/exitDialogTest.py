@@ -1,6 +1,7 @@
 """The question at the window's close button, answered by pointer and by keyboard."""
 
-from screen import Atspi, click, everything, has_state, key
+from keyboard import key
+from screen import Atspi, click, everything, has_state
 from session import SessionCase, main
 from waiting import until
 

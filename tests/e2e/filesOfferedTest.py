@@ -4,8 +4,9 @@ import os
 import pathlib
 import subprocess
 
+from keyboard import key
 from offerCase import DIALOG, OPENED, REFUSED, OfferCase, SeatCase, accepted
-from screen import click, key
+from screen import click
 from session import FAST, Home, faster_clock, main
 from waiting import until
 

@@ -8,7 +8,8 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-from screen import click, key, xdotool  # noqa: E402
+from keyboard import key  # noqa: E402
+from screen import click, xdotool  # noqa: E402
 from session import Home, SessionCase, main  # noqa: E402
 from waiting import until  # noqa: E402
 

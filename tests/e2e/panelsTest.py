@@ -1,6 +1,7 @@
 """The four panels under a real pointer: toolbar buttons, headers, and what a panel holds."""
 
-from screen import click, grab_focus, key
+from keyboard import key
+from screen import click, grab_focus
 from session import WholeWindowCase, main
 from waiting import until
 
@@ -96,6 +97,7 @@ class TheFileTransferPanel(PanelCase):
         self.session.send("sessionStatus participantsDelete Ann 1")
         self.session.log.expect("found container")
         click(self.application.find("label", "File Transfer"))
+        self.application.gone("label", NOTICE)
         click(self.application.find("label", "File Transfer"))
         self.application.find("push button", "Send File")
         self.application.gone("label", NOTICE)

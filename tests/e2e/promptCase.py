@@ -9,7 +9,8 @@ gi.require_version("Atspi", "2.0")
 
 from gi.repository import Atspi  # noqa: E402
 
-from screen import children, everything, has_state, key, sensitive, shown  # noqa: E402
+from keyboard import key  # noqa: E402
+from screen import children, everything, has_state, sensitive, shown  # noqa: E402
 from session import SessionCase  # noqa: E402
 from waiting import until  # noqa: E402
 

@@ -1,6 +1,7 @@
 """What each status line of the agent changes in the window and in the log."""
 
-from screen import Pixels, click, key, sensitive
+from keyboard import key
+from screen import Pixels, click, sensitive
 from session import RESOURCES, Home, SessionCase, main
 from waiting import stays, until
 

@@ -11,8 +11,9 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from chatPanel import ChatCase  # noqa: E402
+from keyboard import key  # noqa: E402
 from rootLayoutTest import MACHINE, REACH, RootCase  # noqa: E402
-from screen import click, has_state, key, place_of, sensitive, xdotool  # noqa: E402
+from screen import click, has_state, place_of, sensitive, xdotool  # noqa: E402
 from session import FAST, SANDBOX, Home, faster_clock, main  # noqa: E402
 from waiting import TimedOut, until  # noqa: E402
 

@@ -10,8 +10,9 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
+from keyboard import key  # noqa: E402
 from promptCase import POSITION, encoded  # noqa: E402
-from screen import click, grab_focus, has_state, key, sensitive, under_wayland, xdotool  # noqa: E402
+from screen import click, grab_focus, has_state, sensitive, under_wayland, xdotool  # noqa: E402
 from session import Home, Session  # noqa: E402
 from waiting import until  # noqa: E402
 
