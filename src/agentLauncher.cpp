@@ -138,6 +138,8 @@ gpointer AgentStarter(gpointer data)
         if (reviewEnd(waitFor(startAgent(mainwindow))))
             break;
         UI_INFO("retry count %d", tries);
+        if (quit_requested())
+            break;
     }
     request_quit();
     return nullptr;

@@ -4,7 +4,8 @@
 
 #include "src/main.h"
 
-/// Body of "Brindle-Starter": starts the agent, up to three times, and ends the program with it.
+/// Body of "Brindle-Starter": starts the agent, up to three times, and ends the program with it. Once the end was
+/// asked for, no other is started.
 /// @param mainwindow  the `MainWindow`
 /// @return null; a failing fork or wait ends the whole process with status 1
 gpointer AgentStarter(gpointer mainwindow);

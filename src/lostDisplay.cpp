@@ -98,7 +98,7 @@ void watch_display()
 void leave_lost_display()
 {
     struct pollfd server = {xConnection, POLLRDHUP, 0};
-    if (poll(&server, 1, 0) > 0)
+    if (!isWorkUnbroken && poll(&server, 1, 0) > 0)
         leave(Loss::gone);
 }
 

@@ -9,8 +9,8 @@ void before_leaving(void (*clean)(), void (*closeOthers)());
 /// From here on the display's end is noticed. Thread: main, once the toolkit is there.
 void watch_display();
 
-/// Ends the process when the X server has gone, as the toolkit does where it notices. For waits that may keep the main
-/// thread from the toolkit. Thread: any.
+/// Ends the process when the X server has gone, as the toolkit does where it notices, and not in the middle of an
+/// `UnbrokenWork`. For waits that may keep the main thread from the toolkit. Thread: any.
 void leave_lost_display();
 
 /// How long a program that was asked to end may need until its end begins: far more than the longest callback takes.

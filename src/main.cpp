@@ -102,6 +102,20 @@ void readOptions(int argc, char **argv)
     create_desktop_file(desktopEntryName, window);
 }
 
+/// Body of "Brindle-end".
+gpointer awaitEnd(gpointer)
+{
+    leave_hung_program();
+    return nullptr;
+}
+
+/// Sees to it that a program that was asked to end does so. Without a thread the display has to answer for that.
+void watchEnd()
+{
+    if (GThread *const thread = g_thread_try_new("Brindle-end", awaitEnd, nullptr, nullptr))
+        g_thread_unref(thread);
+}
+
 /// What may have to wait for the desktop. @return false when another companion runs
 bool reachDesktop(int argc, char **argv)
 {
@@ -112,6 +126,7 @@ bool reachDesktop(int argc, char **argv)
     if (!registerOnlyInstance(&session.application))
         return false;
     before_leaving(removeTraces, closeAnnotationProgram);
+    on_quit_request(watchEnd);
     watch_display();
     noteDesktopReached();
     return true;
@@ -226,18 +241,10 @@ void startThreads()
     UI_INFO_AS("main", "Threads created");
 }
 
-/// Body of "Brindle-Starter".
-gpointer superviseAgent(gpointer mainwindow)
-{
-    AgentStarter(mainwindow);
-    leave_hung_program();
-    return nullptr;
-}
-
 void beginNormalSession()
 {
     UI_INFO_AS("main", "normal session");
-    session.watcher = g_thread_new("Brindle-Starter", superviseAgent, session.mainWindow);
+    session.watcher = g_thread_new("Brindle-Starter", AgentStarter, session.mainWindow);
     on_start_clicked(session.mainWindow->startStopSharingButton, session.mainWindow);
 }
 

@@ -22,19 +22,26 @@ bool isNameTaken(GDBusConnection *bus)
     return g_strcmp0(owner, g_dbus_connection_get_unique_name(bus)) != 0;
 }
 
+/// The connection, or null. A bus that goes away must not take the session with it.
+GDBusConnection *stayWithout(GDBusConnection *bus)
+{
+    if (bus)
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
+    return bus;
+}
+
 } // namespace
 
 bool registerOnlyInstance(GApplication **application)
 {
-    g_autoptr(GDBusConnection) bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-    if (bus) {
-        // A bus that goes away must not take the session with it.
-        g_dbus_connection_set_exit_on_close(bus, FALSE);
-        if (isNameTaken(bus))
-            return false;
-    }
+    g_autoptr(GDBusConnection) bus = stayWithout(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    if (bus && isNameTaken(bus))
+        return false;
     *application = g_application_new(applicationId, GApplicationFlags(0));
-    if (g_application_register(*application, nullptr, nullptr))
+    const bool isRegistered = g_application_register(*application, nullptr, nullptr);
+    // A bus that was too slow for the first connection may have given this one another.
+    stayWithout(g_application_get_dbus_connection(*application));
+    if (isRegistered)
         return !g_application_get_is_remote(*application);
     return !bus || !isNameTaken(bus);
 }

@@ -27,6 +27,8 @@ constexpr gunichar invisibleBreak = 0x200b;
 GThread *mainThread = nullptr;
 // Set once by request_quit, from any thread.
 std::atomic<bool> quitRequested = false;
+// Written by on_quit_request.
+void (*quitRequestCall)() = nullptr;
 // Dialogs that run a loop of their own, innermost first. Main thread.
 GSList *nestedDialogs = nullptr;
 
@@ -295,6 +297,13 @@ void request_quit()
     // behind a flood of lines don't delay the end. No sooner than the toolkit's own events, though: passed over, its
     // Wayland source would keep the last `gtk_main` waiting for ever.
     g_idle_add_full(GDK_PRIORITY_EVENTS, endMainLoop, nullptr, nullptr);
+    if (quitRequestCall)
+        quitRequestCall();
+}
+
+void on_quit_request(void (*call)())
+{
+    quitRequestCall = call;
 }
 
 bool quit_requested()

@@ -147,6 +147,9 @@ void connect_nested_click(GtkWidget *button, void (*handler)(GtkWidget *, Record
 /// Thread: any, at any moment.
 void request_quit();
 
+/// Names what the first `request_quit` does besides, in its thread. Thread: main, before any other may ask for the end.
+void on_quit_request(void (*call)());
+
 /// True from the first `request_quit` on. Thread: any.
 bool quit_requested();
 

@@ -72,7 +72,7 @@ void showScriptLauncher(const Prompt &prompt)
                                 "Clicking on Allow will execute the script on your device.\n\n"
                                 "Note : Proceed with this action only if you trust the technician.",
                                 name.get()),
-                !hasName || !hasVisibleText(name.get())};
+                !hasVisibleText(name.get())};
     run_on_main(show_dialog_script_launcher, request);
 }
 

@@ -12,7 +12,6 @@
 #include "src/Utils/oneShotEvent.h"
 #include "src/Utils/webview.h"
 #include "src/localizationText.h"
-#include "src/lostDisplay.h"
 #include "src/sessionState.h"
 
 #include <malloc.h>
@@ -323,9 +322,7 @@ gpointer messageParser(gpointer threadData)
 gpointer watchAgent(gpointer mainwindow)
 {
     waitForFirstReader(static_cast<MainWindow *>(mainwindow));
-    uiChecker(mainwindow);
-    leave_hung_program();
-    return nullptr;
+    return uiChecker(mainwindow);
 }
 
 void noteFirstLineRead()

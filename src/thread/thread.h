@@ -8,7 +8,7 @@ gpointer infiniteChecker(gpointer unused);
 /// Body of "Brindle-parseMessage". @param threadData a `ThreadData`, copied as the thread starts.
 gpointer messageParser(gpointer threadData);
 /// Body of "Brindle-UI-checker", for a session whose first line is still to be read: `uiChecker` once it was, or after
-/// five minutes without a ping, and what `leave_hung_program` does. @param mainwindow the `MainWindow`.
+/// five minutes without a ping. @param mainwindow the `MainWindow`.
 gpointer watchAgent(gpointer mainwindow);
 /// Tells `watchAgent` that the first line was read. Thread: main, once.
 void noteFirstLineRead();

@@ -68,6 +68,16 @@ class TheAgent(SessionCase):
         self.assertEqual(len(times), 3)
         self.assertLess(times[2] - times[0], 0.9)
 
+    def test_that_is_killed_after_its_last_word_is_not_started_again(self):
+        home = Home()
+        home.install_agent(text=RECORDING_AGENT.format(
+            folder=home.path, end=f"""echo exit >"{home.pipes}/Status"
+until grep -q "closing agent" "{home.product}/Logs"/*; do :; done
+kill -9 $$"""))
+        session = self.start(home=home, speed=1)
+        self.assertEqual(session.wait(), 0)
+        self.assertEqual(len(agent_times(home)), 1)
+
     def test_that_recovers_keeps_the_session(self):
         session = self.start().ready()
         until(session.home.agent_starts, "the agent starts")

@@ -93,12 +93,15 @@ class AnXServer(OwnDisplayCase):
                 session.process.send_signal(signal.SIGTERM)
                 self.says_why_and_leaves_nothing(session, "the window hangs")
 
-    def test_that_hangs_keeps_no_session_from_its_agents_end(self):
-        display = new_display(self)
-        session = hang(self.ready(self.start_on(display)), display.process.pid)
-        session.home.agent_ends(0)
-        self.says_why(session, "the window hangs")
-        self.assertEqual(os.listdir(session.home.pipes), [])
+    def test_that_hangs_keeps_no_session_from_its_agent(self):
+        for how, end in (("ends", lambda session: session.home.agent_ends(0)),
+                         ("says so", lambda session: session.send("exit"))):
+            with self.subTest(how):
+                display = new_display(self)
+                session = hang(self.ready(self.start_on(display)), display.process.pid)
+                end(session)
+                self.says_why(session, "the window hangs")
+                self.assertEqual(os.listdir(session.home.pipes), [])
 
     def test_that_is_not_there_ends_the_program_with_a_word(self):
         session = self.start(environment={"DISPLAY": ":65000"})

@@ -50,7 +50,7 @@ JOINED = [gone("samecon"), RESPONSE + "screenSharingApproved"]
 SCRIPT_RUNS = [RESPONSE + "scriptApproved", gone("scriptLauncherDialog")]
 WRONG_FIELDS = [
     Row("runAsService a b", SERVICE, "No", [gone("serviceDialog")]),
-    Row("launchScript", SCRIPT % "(null)", "Deny", [gone("scriptLauncherDialog")]),
+    Row("launchScript", SCRIPT % "(null)", "Allow", SCRIPT_RUNS),
     Row("launchScript  b", SCRIPT % "", "Deny", [gone("scriptLauncherDialog")]),
     Row("launchScript a b", SCRIPT % "a", "Deny", [gone("scriptLauncherDialog")]),
     Row(f"userConcent {Q}", QUESTION, "Yes", consent("approved")),
@@ -97,7 +97,6 @@ BEYOND_READING = [
     (b"command \xff", "Yes", "No", [RESPONSE + "controlRefused"]),
     ("command \u3164", "Yes", "No", [RESPONSE + "controlRefused"]),
     ("command \u2800", "Yes", "No", [RESPONSE + "controlRefused"]),  # listed by a name that shows nothing
-    ("launchScript", "Allow", "Deny", [gone("scriptLauncherDialog")]),
     ("launchScript  b", "Allow", "Deny", [gone("scriptLauncherDialog")]),
     ("launchScript \u3164", "Allow", "Deny", [gone("scriptLauncherDialog")]),
     ("launchScript \u200b\u2060", "Allow", "Deny", [gone("scriptLauncherDialog")]),

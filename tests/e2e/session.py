@@ -128,13 +128,16 @@ class Home:
 
 def _kill_left_over(folder):
     """Kills what still runs with a folder of this test in its command line: an agent, or a command that waits for a pipe
-    which has gone."""
+    which has gone. Waits for its end: what the program has just forked holds the program's name on the bus."""
+    killed = []
     for words in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
         try:
             if str(folder).encode() in words.read_bytes():
                 os.kill(int(words.parent.name), signal.SIGKILL)
+                killed.append(words.parent.name)
         except OSError:  # has just gone, or is somebody else's
             continue
+    until(lambda: not any(map(lives, killed)), f"{killed} end")
 
 
 class Session:

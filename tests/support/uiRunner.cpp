@@ -12,7 +12,11 @@ int main(int argc, char **argv)
 {
     signal(SIGPIPE, SIG_IGN);
     ::testing::InitGoogleTest(&argc, argv);
-    watchGlibWarnings();
+    // A process that is to end begins anew, as threads and a display don't survive a fork. It may take the toolkit's
+    // messages itself, as the program does.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    if (!::testing::internal::InDeathTestChild())
+        watchGlibWarnings();
     // Listing the tests needs no display.
     if (!::testing::GTEST_FLAG(list_tests))
         gtk_init(&argc, &argv);

@@ -4,7 +4,13 @@
 
 #include "tests/support/testSession.h"
 
+#include <gio/gunixsocketaddress.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <string>
+#include <thread>
 
 namespace
 {
@@ -32,6 +38,26 @@ protected:
             connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
             g_variant_new("(su)", companionName, 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
         ASSERT_NE(reply, nullptr);
+    }
+    /// Puts one into the place of the bus that hangs up on its first caller; the next one finds the bus.
+    std::thread hangUpFirst()
+    {
+        const std::string place = home.file("bus"), rude = home.file("rude");
+        const std::string address = g_test_dbus_get_bus_address(m_bus), key = "path=";
+        const size_t begin = address.find(key) + key.size();
+        const std::string bus = address.substr(begin, address.find(',', begin) - begin);
+        g_autoptr(GSocket) socket =
+            g_socket_new(G_SOCKET_FAMILY_UNIX, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_DEFAULT, nullptr);
+        g_autoptr(GSocketAddress) own = g_unix_socket_address_new(rude.c_str());
+        EXPECT_TRUE(g_socket_bind(socket, own, TRUE, nullptr) && g_socket_listen(socket, nullptr));
+        EXPECT_EQ(symlink(rude.c_str(), place.c_str()), 0);
+        g_setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + place).c_str(), TRUE);
+        return std::thread([=, listening = g_steal_pointer(&socket)] {
+            g_autoptr(GSocket) caller = g_socket_accept(listening, nullptr, nullptr);
+            g_object_unref(listening);
+            unlink(place.c_str());
+            EXPECT_EQ(symlink(bus.c_str(), place.c_str()), 0);
+        });
     }
     bool isOnly() { return registerOnlyInstance(&m_application); }
 
@@ -64,4 +90,14 @@ TEST_F(SingleInstance, DoesNotGiveWayToItself)
     g_dbus_connection_set_exit_on_close(own, FALSE);
     takeName(own);
     EXPECT_TRUE(isOnly());
+}
+
+TEST_F(SingleInstance, StaysWithoutTheBusThatItsSecondConnectionReached)
+{
+    std::thread rude = hangUpFirst();
+    EXPECT_TRUE(isOnly());
+    rude.join();
+    GDBusConnection *const connection = g_application_get_dbus_connection(m_application);
+    ASSERT_NE(connection, nullptr);
+    EXPECT_FALSE(g_dbus_connection_get_exit_on_close(connection));
 }
