@@ -5,7 +5,8 @@ import select
 import time
 
 from keyboard import key
-from screen import Pixels, click, grab_focus, sensitive, xdotool
+from pixels import Pixels
+from screen import click, grab_focus, sensitive, xdotool
 from session import RESOURCES, SessionCase, main
 from waiting import stays, until
 

@@ -6,7 +6,8 @@ gi.require_version("Atspi", "2.0")
 gi.require_version("GdkPixbuf", "2.0")
 from gi.repository import Atspi, GdkPixbuf, GLib  # noqa: E402
 
-from screen import Pixels, _over, everything, press, sensitive, shown, the_display
+from pixels import Pixels, over
+from screen import everything, press, sensitive, shown, the_display
 from session import RESOURCES, Home, SessionCase, main
 from waiting import until
 
@@ -46,7 +47,7 @@ class CrispPixels(Pixels):
         rows = [seen[at:at + wide + 2 * around] for at in range(0, len(seen), wide + 2 * around)]
         found = []
         for picture in pictures:
-            expected = _over(picture, seen[0])
+            expected = over(picture, seen[0])
             found.append(min(_distance(rows, expected, wide, right, down)
                              for right in range(2 * around + 1) for down in range(2 * around + 1)))
         return found

@@ -9,8 +9,7 @@ import warnings
 import gi
 
 gi.require_version("Atspi", "2.0")
-gi.require_version("GdkPixbuf", "2.0")
-from gi.repository import Atspi, GdkPixbuf  # noqa: E402
+from gi.repository import Atspi  # noqa: E402
 from Xlib import X, display, error  # noqa: E402
 
 from waiting import until  # noqa: E402
@@ -131,7 +130,7 @@ def place_of(accessible):
     """Middle of a control on the screen, once the control and the X server agree about it; or of what a function finds,
     for controls that are built anew, as the places of a chooser are."""
     look = accessible if callable(accessible) else lambda: accessible
-    x, y, width, height = until(lambda: (found := look()) and _steady_extents(found), "the place of a control")
+    x, y, width, height = until(lambda: (found := look()) and steady_extents(found), "the place of a control")
     return x + width // 2, y + height // 2
 
 
@@ -180,7 +179,7 @@ def _is_drawn(x, y, width, height):
     return all(colour_at(*corner) != colour_at(0, 0) for corner in corners)
 
 
-def _steady_extents(accessible):
+def steady_extents(accessible):
     """Extents on the screen, or None while the toolkit has not yet heard where its window went."""
     if under_wayland():
         return _extents_in_compositor(accessible)
@@ -244,6 +243,12 @@ def picture(path):
     subprocess.run(["import", "-window", "root", str(path)], check=False, timeout=30)
 
 
+def window_tree():
+    """What the X server knows of all windows, for the same."""
+    return subprocess.run(["xwininfo", "-root", "-tree"], check=False, capture_output=True, timeout=30, text=True,
+                          errors="replace").stdout
+
+
 def on_screen(x, y):
     return 0 <= x < the_display().screen().width_in_pixels and 0 <= y < the_display().screen().height_in_pixels
 
@@ -302,9 +307,13 @@ class Windows:
     def wait_focus(self, title):
         until(lambda: self._focused_or_none() == title, lambda: f"focus on {title!r}, is {self._focused_or_none()!r}")
 
+    def knows(self, pid):
+        """The window manager knows a window of this process."""
+        return any(self._pid(window) == pid for window in self.managed())
+
     def wait_placed(self, pid):
         """The window manager knows a window of this process and has made up its mind about the active one."""
-        until(lambda: self.active() in self.managed() and any(self._pid(window) == pid for window in self.managed()),
+        until(lambda: self.active() in self.managed() and self.knows(pid),
               lambda: f"a placed window of {pid}; there are {self.managed()}, active is {self.active()}")
 
     def close(self, window):
@@ -357,40 +366,3 @@ class Windows:
 
 def windows_shown():
     return Compositor() if under_wayland() else Windows()
-
-
-class Pixels:
-    """What really stands on the screen, compared with picture files."""
-
-    def __init__(self):
-        self.root = the_display().screen().root
-
-    def shows(self, accessible, file):
-        """The picture file stands in the middle of a control, in its natural size, over the control's ground."""
-        picture_file = GdkPixbuf.Pixbuf.new_from_file(str(file))
-        width, height = picture_file.get_width(), picture_file.get_height()
-        extents = _steady_extents(accessible)
-        if not extents or extents[2] < width or extents[3] < height:
-            return False
-        left, top = extents[0] + (extents[2] - width) // 2, extents[1] + (extents[3] - height) // 2
-        seen = self._grab(left, top, width, height)
-        ground = seen[0]
-        expected = _over(picture_file, ground)
-        wrong = sum(abs(a - b) for one, other in zip(seen, expected) for a, b in zip(one, other))
-        return wrong / (3 * len(seen)) < 6
-
-    def _grab(self, x, y, width, height):
-        data = self.root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF).data
-        return [(data[i + 2], data[i + 1], data[i]) for i in range(0, len(data), 4)]
-
-
-def _over(pixbuf, ground):
-    """Pixels of a picture over a ground of one colour."""
-    bytes_of_row, channels, data = pixbuf.get_rowstride(), pixbuf.get_n_channels(), pixbuf.get_pixels()
-    pixels = []
-    for y in range(pixbuf.get_height()):
-        for x in range(pixbuf.get_width()):
-            at = y * bytes_of_row + x * channels
-            opacity = data[at + 3] / 255 if channels == 4 else 1
-            pixels.append(tuple(data[at + c] * opacity + ground[c] * (1 - opacity) for c in range(3)))
-    return pixels

@@ -12,7 +12,7 @@ import tempfile
 import threading
 import time
 import unittest
-from contextlib import contextmanager
+from contextlib import contextmanager, suppress
 
 import gi
 
@@ -20,8 +20,8 @@ gi.require_version("Atspi", "2.0")
 
 from logFile import LogFile  # noqa: E402
 from pipes import PipeReader, send_text  # noqa: E402
-from screen import Application, picture, under_wayland, windows_shown, xdotool  # noqa: E402
-from waiting import until  # noqa: E402
+from screen import Application, picture, under_wayland, window_tree, windows_shown, xdotool  # noqa: E402
+from waiting import TimedOut, until  # noqa: E402
 
 PROGRAM = os.environ["BRINDLE_UI_PROGRAM"]
 SIMULATOR = os.environ["AGENT_SIMULATOR_PROGRAM"]
@@ -253,11 +253,18 @@ class Session:
             self._end_in_order()
         self._ended.set()
         if self.process.poll() is None:
+            self._let_window_appear()
             self.process.kill()
             self.process.wait()
         if self.agent:
             self.agent.stop()
         self.home.remove()
+
+    def _let_window_appear(self):
+        """A window that goes while the window manager takes it in may leave a frame behind, and trouble for the next."""
+        if self.log.count("Threads created") and self.environment.get("DISPLAY") == os.environ.get("DISPLAY"):
+            with suppress(TimedOut):
+                until(lambda: self.windows.knows(self.pid), "its window is known", seconds=1)
 
     def _end_in_order(self):
         """As far as the test has left it a way to do so."""
@@ -336,7 +343,7 @@ class SessionCase(unittest.TestCase):
         self._is_shown = True
         path = PICTURES / f"{self.id()}.png"
         picture(path)
-        print(f"--- {self.id()}: picture in {path}", file=sys.stderr)
+        print(f"--- {self.id()}: picture in {path}\n{window_tree()}", file=sys.stderr)
         for session in sessions:
             print(f"status {session.process.poll()}, log:\n{session.log.tail(60)}\n"
                   f"stderr:\n{session.standard_error.read_text(errors='replace')[-3000:]}", file=sys.stderr)

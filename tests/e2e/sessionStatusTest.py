@@ -1,7 +1,8 @@
 """What each status line of the agent changes in the window and in the log."""
 
 from keyboard import key
-from screen import Pixels, click, sensitive
+from pixels import Pixels
+from screen import click, sensitive
 from session import RESOURCES, Home, SessionCase, main
 from waiting import stays, until
 

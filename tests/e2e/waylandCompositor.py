@@ -69,8 +69,11 @@ class Compositor:
     def wait_focus(self, title):
         until(lambda: self.focused() == title, lambda: f"focus on {title!r}, is {self.focused()!r}")
 
+    def knows(self, pid):
+        return any(window.pid == pid for window in self.all())
+
     def wait_placed(self, pid):
-        until(lambda: any(window.pid == pid for window in self.all()), lambda: f"a window of {pid} among {self.all()}")
+        until(lambda: self.knows(pid), lambda: f"a window of {pid} among {self.all()}")
 
     def close(self, window):
         """What a click on a close box makes the compositor send."""
