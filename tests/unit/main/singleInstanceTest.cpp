@@ -54,6 +54,7 @@ protected:
         g_setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + place).c_str(), TRUE);
         return std::thread([=, listening = g_steal_pointer(&socket)] {
             g_autoptr(GSocket) caller = g_socket_accept(listening, nullptr, nullptr);
+            EXPECT_NE(caller, nullptr);
             g_object_unref(listening);
             unlink(place.c_str());
             EXPECT_EQ(symlink(bus.c_str(), place.c_str()), 0);
