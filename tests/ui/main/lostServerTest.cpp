@@ -1,6 +1,7 @@
 // The X server goes away while nobody asks the toolkit: whoever waits for something else ends the program.
 
 #include "src/lostDisplay.h"
+#include "tests/support/dyingProgram.h"
 #include "tests/support/testSession.h"
 
 #include <gdk/gdkx.h>
@@ -10,17 +11,9 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 
 namespace
 {
-constexpr int ownEnd = 7; ///< status of a program that ends by itself
-
-void say(const char *word)
-{
-    EXPECT_GT(write(STDERR_FILENO, word, strlen(word)), 0);
-}
-
 class LostServer : public WindowSession
 {
 protected:

@@ -2,6 +2,7 @@
 
 #include "src/lostDisplay.h"
 
+#include "tests/support/dyingProgram.h"
 #include "tests/support/testSession.h"
 
 #include <gtest/gtest.h>
@@ -9,19 +10,11 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <semaphore>
 #include <thread>
 
 namespace
 {
-constexpr int ownEnd = 7; ///< status of a program that ends by itself
-
-void say(const char *word)
-{
-    EXPECT_GT(write(STDERR_FILENO, word, strlen(word)), 0);
-}
-
 /// Each test's program is a process of its own, without the threads of this one.
 class HungProgram : public TestSession
 {
