@@ -28,14 +28,19 @@ std::atomic<bool> isLeaving = false;
 std::atomic<bool> isEndClaimed = false;
 // Set while an `UnbrokenWork` lives.
 std::atomic<bool> isWorkUnbroken = false;
+constexpr gulong workPollUs = 10000;
 
 enum class Loss { gone, hung };
 
-/// Toolkit and waiting threads may all notice: the first one cleans up, the others wait here for the end.
+/// Toolkit and waiting threads may all notice: the first one cleans up, the others wait here for the end. No work
+/// begins any more; one that has begun a moment ago is waited for. It asks nothing of the display, so the thread that
+/// does it is never the one that waits.
 void cleanUpAfter(Loss loss)
 {
     while (isLeaving.exchange(true))
         pause();
+    while (isWorkUnbroken)
+        g_usleep(workPollUs);
     if (loss == Loss::gone) {
         UI_INFO_AS("main", "the display has gone");
     } else {
@@ -105,6 +110,10 @@ void leave_lost_display()
 UnbrokenWork::UnbrokenWork()
 {
     isWorkUnbroken = true;
+    while (isLeaving) {
+        isWorkUnbroken = false;
+        pause();
+    }
 }
 
 UnbrokenWork::~UnbrokenWork()

@@ -16,7 +16,8 @@ void leave_lost_display();
 /// How long a program that was asked to end may need until its end begins: far more than the longest callback takes.
 inline constexpr int longestEndSeconds = 30;
 /// Work of the main thread that must not be broken off, however long it takes: on a slow disk it may take long, and
-/// half of it is worse than nothing. Thread: main; a program has one at a time.
+/// half of it is worse than nothing. None begins once the process is being left. It must not use the toolkit's display,
+/// or a lost one would wait for it for ever. Thread: main; a program has one at a time.
 class UnbrokenWork
 {
 public:

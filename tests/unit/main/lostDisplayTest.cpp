@@ -24,6 +24,19 @@ protected:
     {
         before_leaving([] { say("cleaned "); }, [] { say("closed "); });
     }
+    /// Returns in the middle of somebody's leaving.
+    static void beginLeaving()
+    {
+        static std::binary_semaphore hasBegun(0);
+        const auto closeSlowly = [] {
+            hasBegun.release();
+            g_usleep(G_USEC_PER_SEC / 5);
+            say("closed ");
+        };
+        before_leaving([] { say("cleaned "); }, closeSlowly);
+        std::thread(leave_hung_program, 0).detach();
+        hasBegun.acquire();
+    }
     [[noreturn]] static void hang()
     {
         for (;;)
@@ -55,18 +68,23 @@ TEST_F(HungProgram, IsNotLeftOnceItsEndHasBegun)
 
 TEST_F(HungProgram, ThatGoesOnTooLateWaitsForTheOneWhoLeavesIt)
 {
-    static std::binary_semaphore hasBegun(0);
     const auto run = [] {
-        const auto closeSlowly = [] {
-            hasBegun.release();
-            g_usleep(G_USEC_PER_SEC / 5);
-            say("closed ");
-        };
-        before_leaving([] { say("cleaned "); }, closeSlowly);
-        std::thread(leave_hung_program, 0).detach();
-        hasBegun.acquire();
+        beginLeaving();
         claim_end();
         _exit(ownEnd);
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(EXIT_FAILURE), "^closed cleaned $");
+}
+
+TEST_F(HungProgram, BeginsNoWorkOnceItIsLeft)
+{
+    const auto run = [] {
+        beginLeaving();
+        {
+            const UnbrokenWork work;
+            say("written ");
+        }
+        hang();
     };
     EXPECT_EXIT(run(), testing::ExitedWithCode(EXIT_FAILURE), "^closed cleaned $");
 }
