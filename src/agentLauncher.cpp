@@ -134,12 +134,10 @@ gpointer AgentStarter(gpointer data)
     const auto *const mainwindow = static_cast<const MainWindow *>(data);
     UI_INFO("Macro defined SPAWNPROCESS");
     UI_INFO("%s", mainwindow->productName);
-    for (int tries = maxTries; tries > 0; tries--) {
+    for (int tries = maxTries; tries > 0 && !quit_requested(); tries--) {
         if (reviewEnd(waitFor(startAgent(mainwindow))))
             break;
         UI_INFO("retry count %d", tries);
-        if (quit_requested())
-            break;
     }
     request_quit();
     return nullptr;

@@ -38,10 +38,9 @@ bool registerOnlyInstance(GApplication **application)
     if (bus && isNameTaken(bus))
         return false;
     *application = g_application_new(applicationId, GApplicationFlags(0));
-    const bool isRegistered = g_application_register(*application, nullptr, nullptr);
-    // A bus that was too slow for the first connection may have given this one another.
+    if (!g_application_register(*application, nullptr, nullptr))
+        return !bus || !isNameTaken(bus);
+    // A bus that could not be had for the first connection may be there by now.
     stayWithout(g_application_get_dbus_connection(*application));
-    if (isRegistered)
-        return !g_application_get_is_remote(*application);
-    return !bus || !isNameTaken(bus);
+    return !g_application_get_is_remote(*application);
 }

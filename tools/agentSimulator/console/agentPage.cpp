@@ -15,7 +15,7 @@ namespace
 constexpr char explanation[] =
     "In a \"normal\" session the companion ends with an agent that ends with 0. With another status it "
     "waits for a second and starts the agent again; a killed one it starts at once. After the "
-    "third failure it ends.";
+    "third failure it ends, and so it does once it was asked to.";
 
 struct AgentPage {
     Console *console;
