@@ -94,7 +94,7 @@ struct ChatWindow {
     GMutex mutex;            ///< guards the fields marked "locked"; zero-initialised is ready
     char *message;           ///< last received text, owned, may be null; locked
     char *charSender;        ///< author of the last message in either direction, owned; locked
-    char *shownSender;       ///< author of the last block in the view, owned, null before the first; main
+    char *shownSender;       ///< author of the last message that the view was given, owned; main
     GString *chatData;       ///< the conversation as plain text, owned, null until the first entry; locked
     GQueue received;         ///< what came and is not rendered yet, `ReceivedMessage`s, owned; zeroed is ready; locked
     bool isUpdateScheduled;  ///< `UpdateChat` will run for what is in `received`; locked

@@ -135,6 +135,7 @@ GtkWidget *ChatWindowNew(ChatWindow *chatwindow)
     UI_ENTER();
     chatwindow->clickableRange = g_new0(ClickableRange, 1);
     replace_text(chatwindow->charSender, "1");
+    replace_text(chatwindow->shownSender, "1");
     chatwindow->isChatTranscriptEnabled = false;
 
     GtkWidget *const box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);

@@ -32,7 +32,7 @@ std::unique_ptr<ReceivedMessage> takeDelivered(ChatWindow *chatwindow)
     if (g_queue_is_empty(&chatwindow->received))
         g_clear_pointer(&chatwindow->message, g_free);
     // What the customer sent meanwhile may stand before it.
-    next->startsBlock = next->text && startBlock(chatwindow, next->sender.get());
+    next->startsBlock = startBlock(chatwindow, next->sender.get());
     return next;
 }
 

@@ -107,6 +107,23 @@ TEST_F(ChatSending, EveryBlockHasItsOwnAuthorHoweverManyMessagesWait)
     EXPECT_EQ(shown(), "\nAnn\nfirst\nyou\nown\n\nAnn\nwaits\nyou\nlast\n");
 }
 
+TEST_F(ChatSending, AMessageWithoutTextCountsAsItsAuthors)
+{
+    receive("Ann");
+    receive("Ann\nhello");
+    awaitShown("hello\n");
+    EXPECT_EQ(shown(), "hello\n") << "Ann had a message before";
+    type("mine\n");
+    receive("Ann\n%zz");
+    awaitDelivered();
+    drainMainLoop();
+    type("more\n");
+    receive("Bob");
+    receive("Bob\nbye");
+    awaitShown("bye\n");
+    EXPECT_EQ(shown(), "hello\nyou\nmine\nyou\nmore\nbye\n");
+}
+
 namespace
 {
 

@@ -149,6 +149,13 @@ TEST_F(ChatView, ReceivedMessageStandsUnderItsSendersName)
                                     Piece{"hello\nworld", textTags}, Piece{"\n", {}}));
 }
 
+TEST_F(ChatView, TechnicianCalledOneHasNoNameLineAtFirst)
+{
+    receive("1\nhello");
+    awaitShown("hello\n");
+    EXPECT_EQ(shown(), "hello\n");
+}
+
 TEST_F(ChatView, SecondMessageOfASenderHasNoName)
 {
     receive("Ann\none");
