@@ -91,12 +91,12 @@ GAsyncQueue *referToQueue()
 int log_init(const char *directory, const char *fileName, int maxSizeMB, int maxFiles)
 {
     FILE *const stream = openRotated(directory, fileName, maxSizeMB, maxFiles);
-    if (!stream)
-        return -1;
     const LogLock lock;
     if (log)
         fclose(log);
     log = stream;
+    if (!stream)
+        return -1;
     g_clear_pointer(&logMessageQueue, g_async_queue_unref);
     logMessageQueue = g_async_queue_new_full(g_free);
     debugMode = false;
@@ -169,5 +169,5 @@ int log_close()
         return 0;
     g_clear_pointer(&logMessageQueue, g_async_queue_unref);
     writeLog = false;
-    return fclose(std::exchange(log, nullptr));
+    return log ? fclose(std::exchange(log, nullptr)) : 0;
 }

@@ -17,7 +17,7 @@ enum LogLevel { levelInfo = 0, levelDebug = 1, levelWarn = 2, levelError = 3, le
 /// @param maxSizeMB  size from which the file is rotated, in millions of bytes
 /// @param maxFiles   number of rotated files from which one name is used again and again
 /// @return 0, or -1 when the file can't be opened: then later lines are dropped silently.
-/// Thread: main, before any other thread logs. A second call opens the file anew.
+/// Thread: main, before any other thread logs. A second call opens the file anew, in place of the one before.
 int log_init(const char *directory, const char *fileName, int maxSizeMB, int maxFiles);
 
 /// Renames the current log out of the way and returns the number of rotated files that were there before.
@@ -47,7 +47,7 @@ void writeToLog();
 /// Switches lines of level DEBUG on or off; they are off after `log_init`. Thread: any.
 void setDebugMode(bool flag);
 
-/// Closes the log; later lines are dropped. @return what closing gave, 0 when the log was never opened.
+/// Closes the log; later lines are dropped. @return what closing gave, 0 when no log is open.
 /// Thread: main, at the end of the shut-down.
 int log_close();
 

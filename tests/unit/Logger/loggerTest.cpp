@@ -208,14 +208,25 @@ TEST(LogFolder, AMissingFolderIsNotMadeAndLinesAreDropped)
     EXPECT_EQ(log_close(), 0);
 }
 
-TEST(LogFolder, ALogThatCanNotBeOpenedLeavesTheOpenOneAlone)
+TEST(LogFolder, ALogThatCanNotBeOpenedTakesThePlaceOfTheOneBefore)
 {
     const TemporaryFolder folder;
     ASSERT_EQ(log_init(folder.path().c_str(), "ui.log", 2, 7), 0);
-    setDebugMode(true);
+    log_print(levelInfo, 1, "f", "before");
     EXPECT_EQ(log_init(folder.file("missing").c_str(), "ui.log", 2, 7), -1);
-    log_print(levelDebug, 1, "f", "still here");
-    EXPECT_THAT(readLogMessages(folder.file("ui.log")), ::testing::ElementsAre("still here"));
+    log_print(levelInfo, 1, "f", "nowhere");
+    trace_print(1, "f");
+    EXPECT_THAT(readLogMessages(folder.file("ui.log")), ::testing::ElementsAre("before"));
+    EXPECT_EQ(log_close(), 0);
+}
+
+TEST(LogFolder, ALogThatCanNotBeOpenedLeavesTheQueueAlone)
+{
+    const TemporaryFolder folder;
+    ASSERT_EQ(log_init(folder.path().c_str(), "ui.log", 2, 7), 0);
+    GAsyncQueue *const queue = logMessageQueue;
+    EXPECT_EQ(log_init(folder.file("missing").c_str(), "ui.log", 2, 7), -1);
+    EXPECT_EQ(logMessageQueue, queue);
     log_close();
 }
 
