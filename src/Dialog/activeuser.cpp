@@ -253,10 +253,6 @@ Text findSession(const Manager &manager)
 {
     GError *error = nullptr;
     const Variant value = readProperty(manager, {seatPath, seatInterface, "ActiveSession", "(so)"}, &error);
-    if (error) {
-        reportFailure("getActiveUser", "Get(ActiveSession)", error);
-        return nullptr;
-    }
     char *id = nullptr;
     char *path = nullptr;
     if (value)
@@ -266,6 +262,10 @@ Text findSession(const Manager &manager)
     g_autofree char *line =
         g_strdup_printf("Active session: id=%s path=%s\n", id ? id : "(null)", path ? path : "(null)");
     print_output(line);
+    if (error) {
+        reportFailure("getActiveUser", "Get(ActiveSession)", error);
+        return nullptr;
+    }
     // A seat without a session says so with an empty id and the root as its path.
     if (path && *path && strcmp(path, "/") != 0)
         return ownedPath;
@@ -277,14 +277,14 @@ bool isActive(const Manager &manager, const char *path)
 {
     GError *error = nullptr;
     const Variant value = readProperty(manager, {path, sessionInterface, "Active", "b"}, &error);
-    if (error) {
-        reportFailure("getActiveUser", "Get(Active)", error);
-        return false;
-    }
     gboolean active = FALSE;
     if (value)
         p_g_variant_get(value.get(), "b", &active);
     print_output(active ? "ActiveState: active\n" : "ActiveState: inactive\n");
+    if (error) {
+        reportFailure("getActiveUser", "Get(Active)", error);
+        return false;
+    }
     return active;
 }
 

@@ -114,6 +114,7 @@ OwnedText addBreaks(const char *text)
 
 /// What may be done to words; of every other element only the words are copied.
 constexpr const char *plainElements[] = {"b", "i", "span", "tt", "u"};
+constexpr char linkElement[] = "a";
 constexpr const char *plainAttributes[] = {"font_style", "font_weight", "style", "underline", "weight"};
 
 bool isOneOf(std::span<const char *const> names, const char *name)
@@ -121,48 +122,66 @@ bool isOneOf(std::span<const char *const> names, const char *name)
     return std::ranges::any_of(names, [name](const char *each) { return strcmp(each, name) == 0; });
 }
 
-void copyStart(GMarkupParseContext *, const char *element, const char **names, const char **values, gpointer copy,
-               GError **)
+/// What is taken over from a markup while it is read.
+struct Copies {
+    GString *plain;    ///< plain elements and all words
+    GString *elements; ///< all elements but links, which the text library doesn't know, and no words
+};
+
+void appendStart(GString *copy, const char *element, const char **names, const char **values, bool isPlain)
 {
-    if (!isOneOf(plainElements, element))
-        return;
-    auto *text = static_cast<GString *>(copy);
-    g_string_append_printf(text, "<%s", element);
+    g_string_append_printf(copy, "<%s", element);
     for (guint i = 0; names[i]; i++) {
-        if (!isOneOf(plainAttributes, names[i]))
+        if (isPlain && !isOneOf(plainAttributes, names[i]))
             continue;
         g_autofree char *value = g_markup_escape_text(values[i], -1);
-        g_string_append_printf(text, " %s=\"%s\"", names[i], value);
+        g_string_append_printf(copy, " %s=\"%s\"", names[i], value);
     }
-    g_string_append_c(text, '>');
+    g_string_append_c(copy, '>');
 }
 
-void copyEnd(GMarkupParseContext *, const char *element, gpointer copy, GError **)
+void copyStart(GMarkupParseContext *, const char *element, const char **names, const char **values, gpointer data,
+               GError **)
 {
+    auto *const copies = static_cast<Copies *>(data);
+    if (strcmp(element, linkElement) != 0)
+        appendStart(copies->elements, element, names, values, false);
     if (isOneOf(plainElements, element))
-        g_string_append_printf(static_cast<GString *>(copy), "</%s>", element);
+        appendStart(copies->plain, element, names, values, true);
 }
 
-void copyText(GMarkupParseContext *, const char *text, gsize length, gpointer copy, GError **)
+void copyEnd(GMarkupParseContext *, const char *element, gpointer data, GError **)
+{
+    auto *const copies = static_cast<Copies *>(data);
+    if (strcmp(element, linkElement) != 0)
+        g_string_append_printf(copies->elements, "</%s>", element);
+    if (isOneOf(plainElements, element))
+        g_string_append_printf(copies->plain, "</%s>", element);
+}
+
+void copyText(GMarkupParseContext *, const char *text, gsize length, gpointer data, GError **)
 {
     g_autoptr(GString) readable = g_string_new(nullptr);
     for (const char *at = text; at < text + length; at = g_utf8_next_char(at))
         g_string_append_unichar(readable, readableCharacter(g_utf8_get_char(at)));
     g_autofree char *escaped = g_markup_escape_text(readable->str, gssize(readable->len));
-    g_string_append(static_cast<GString *>(copy), escaped);
+    g_string_append(static_cast<Copies *>(data)->plain, escaped);
 }
 
-/// The markup with nothing in it but plain elements and words, or null when it isn't well formed.
+/// The markup with nothing in it but plain elements and words, or null when it doesn't parse.
 OwnedText copyPlainMarkup(const char *text)
 {
     static constexpr GMarkupParser copier = {copyStart, copyEnd, copyText, nullptr, nullptr};
-    g_autoptr(GString) copy = g_string_new(nullptr);
+    g_autoptr(GString) plain = g_string_new(nullptr);
+    g_autoptr(GString) elements = g_string_new(nullptr);
+    Copies copies = {plain, elements};
     g_autofree char *rooted = g_strconcat("<markup>", text, "</markup>", nullptr);
     g_autoptr(GMarkupParseContext) context =
-        g_markup_parse_context_new(&copier, G_MARKUP_TREAT_CDATA_AS_TEXT, copy, nullptr);
-    const bool isWellFormed = g_markup_parse_context_parse(context, rooted, -1, nullptr) &&
-                              g_markup_parse_context_end_parse(context, nullptr);
-    return OwnedText(isWellFormed ? g_strdup(copy->str) : nullptr);
+        g_markup_parse_context_new(&copier, G_MARKUP_TREAT_CDATA_AS_TEXT, &copies, nullptr);
+    const bool parses = g_markup_parse_context_parse(context, rooted, -1, nullptr) &&
+                        g_markup_parse_context_end_parse(context, nullptr) &&
+                        pango_parse_markup(elements->str, -1, 0, nullptr, nullptr, nullptr, nullptr);
+    return OwnedText(parses ? g_strdup(plain->str) : nullptr);
 }
 } // namespace
 

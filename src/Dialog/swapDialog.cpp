@@ -53,8 +53,7 @@ GtkWidget *newWaitingContent(const char *text)
 
 void closeSwapDialog()
 {
-    if (swapDialog)
-        destroyDialogBox(swapDialog);
+    destroyDialogBox(swapDialog);
 }
 
 gboolean show_swapscreen_dialog(MainWindow *mainwindow)

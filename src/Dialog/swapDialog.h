@@ -10,7 +10,7 @@ extern char *swapTechnicianName;
 
 /// Shows the waiting dialog. @return false: runs once.
 gboolean show_swapscreen_dialog(MainWindow *mainwindow);
-/// Closes the waiting dialog without an answer; its kind stays registered. Nothing happens when there is none.
+/// Closes the waiting dialog without an answer; its kind stays registered. Only logs when there is none.
 void closeSwapDialog();
 
 /// "response" of the waiting dialog: any of them gives the request up.

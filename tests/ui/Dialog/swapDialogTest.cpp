@@ -86,6 +86,7 @@ TEST_F(SwapTest, RejectionOfNothingOnlySaysSo)
 {
     reportSwap("swapRejected");
     drainMainLoop();
+    EXPECT_TRUE(logHas("destroying dialog"));
     EXPECT_EQ(notice(), "Technician has rejected screen sharing request.");
 }
 

@@ -243,8 +243,15 @@ TEST_F(ActiveUser, WithoutANameIsNobody)
 
 TEST_F(ActiveUser, IsNobodyWhenAPropertyCannotBeRead)
 {
-    for (const char *const property : {"ActiveSession", "Active", "Name"}) {
+    const std::string session = std::string("Active session: id=c1 path=") + sessionPath + "\n";
+    const std::pair<const char *, std::string> failures[] = {
+        {"ActiveSession", "Active session: id=(null) path=(null)\n"},
+        {"Active", session + "ActiveState: inactive\n"},
+        {"Name", session + "ActiveState: active\n"}};
+    for (const auto &[property, printed] : failures) {
+        ::testing::internal::CaptureStdout();
         EXPECT_EQ(ask(with(property, failing)), "(nobody)");
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(), printed);
         EXPECT_TRUE(logBegins(std::string("Get(") + property + ") failed: 0x")) << property;
     }
 }
