@@ -28,8 +28,8 @@ void noteDesktopReached();
 bool isStartOver();
 
 /// Ends `watchStart`, asks for SIGTERM when the parent dies, and has a thread of its own serve that signal. A parent
-/// that has died already counts as a SIGTERM. @return 1, or 0 when that failed; SIGTERM ends the process at once then.
-/// Thread: main.
+/// that has died already counts as a SIGTERM. @return 1, or 0 when the parent's death can't be told. SIGTERM ends the
+/// process at once then, and when no handler can be installed, which the log tells. Thread: main.
 int handle_on_Parent_kill();
 
 /// Serves SIGTERM: logs and asks the program to end. Runs only in a thread that never holds a lock.

@@ -185,11 +185,8 @@ int handle_on_Parent_kill()
     Service service;
     g_thread_unref(g_thread_new("Brindle-signals", serveSigterm, &service));
     service.isReady.acquire();
-    if (!service.stands) {
+    if (!service.stands)
         UI_INFO("cant catch sigint");
-        releaseSigterm();
-        return 0;
-    }
     releaseSigterm(); // here, too: what the toolkit starts would have it blocked
     return 1;
 }

@@ -5,6 +5,7 @@
 #include "tests/support/dyingProgram.h"
 #include "tests/support/testSession.h"
 
+#include <glib.h>
 #include <gtest/gtest.h>
 
 #include <unistd.h>
