@@ -117,7 +117,7 @@ Reading readReport(int pipe, const Run &run, std::string &report)
     for (;;) {
         // Reads before it waits: poll() does not tell of a writer that had come and gone before this end was opened.
         const ssize_t count = read(pipe, buffer, sizeof buffer);
-        if (count == 0) // nobody but `wakeAnnotationReader` closes with nothing to say at the end of a run
+        if (count == 0) // with nothing to say at the end of a run it is taken for `wakeAnnotationReader`
             return report.empty() && isOver(run) ? Reading::nothing : Reading::report;
         if (count > 0)
             report.append(buffer, std::min(gsize(count), longestReport - report.size()));

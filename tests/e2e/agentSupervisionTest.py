@@ -72,8 +72,8 @@ class TheAgent(SessionCase):
         home = Home()
         home.install_agent(text=RECORDING_AGENT.format(
             folder=home.path, end=f"""echo exit >"{home.pipes}/Status"
-until grep -q "closing agent" "{home.product}/Logs"/*; do :; done
-LD_PRELOAD= sleep 0.05 # the end is asked for behind that line, and takes twice as long
+# A line of the end, which goes on for a tenth of a second.
+until grep -q "closing thread" "{home.product}/Logs"/*; do :; done
 kill -9 $$"""))
         session = self.start(home=home, speed=1)
         self.assertEqual(session.wait(), 0)

@@ -90,6 +90,21 @@ TEST_F(HungProgram, BeginsNoWorkOnceItIsLeft)
     EXPECT_EXIT(run(), testing::ExitedWithCode(EXIT_FAILURE), "^closed cleaned $");
 }
 
+TEST_F(HungProgram, LeavesNoWorkThatBeganBeforeIt)
+{
+    const auto run = [] {
+        begin();
+        {
+            const UnbrokenWork work;
+            std::thread(leave_hung_program, 0).detach();
+            g_usleep(G_USEC_PER_SEC / 5);
+            say("written ");
+        }
+        hang();
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(EXIT_FAILURE), "^written closed cleaned $");
+}
+
 TEST_F(HungProgram, IsNotLeftInTheMiddleOfWork)
 {
     const auto run = [] {
