@@ -115,6 +115,8 @@ OwnedText addBreaks(const char *text)
 /// What may be done to words; of every other element only the words are copied.
 constexpr const char *plainElements[] = {"b", "i", "span", "tt", "u"};
 constexpr char linkElement[] = "a";
+constexpr char linkTarget[] = "href";
+constexpr const char *linkAttributes[] = {linkTarget, "title"};
 constexpr const char *plainAttributes[] = {"font_style", "font_weight", "style", "underline", "weight"};
 
 bool isOneOf(std::span<const char *const> names, const char *name)
@@ -140,11 +142,23 @@ void appendStart(GString *copy, const char *element, const char **names, const c
     g_string_append_c(copy, '>');
 }
 
+/// As a label takes it; any other element of its name is left to the text library, which refuses it.
+bool isLink(const char *element, const char **names)
+{
+    bool hasTarget = false;
+    for (; *names; names++) {
+        if (!isOneOf(linkAttributes, *names))
+            return false;
+        hasTarget = hasTarget || strcmp(*names, linkTarget) == 0;
+    }
+    return hasTarget && strcmp(element, linkElement) == 0;
+}
+
 void copyStart(GMarkupParseContext *, const char *element, const char **names, const char **values, gpointer data,
                GError **)
 {
     auto *const copies = static_cast<Copies *>(data);
-    if (strcmp(element, linkElement) != 0)
+    if (!isLink(element, names))
         appendStart(copies->elements, element, names, values, false);
     if (isOneOf(plainElements, element))
         appendStart(copies->plain, element, names, values, true);

@@ -41,7 +41,8 @@ struct JoinText {
     OwnedText markup; ///< bold, italic and underlined words as a label can show them; null: shown plain
 };
 
-/// Reads markup: of all but `b`, `i`, `u` and `span` with style, weight and underline only the words stay.
+/// Reads markup: of all but `b`, `i`, `tt`, `u` and `span` with style, weight and underline only the words stay. What
+/// the toolkit would refuse is no markup.
 JoinText readMarkup(const char *text);
 
 /// The offered files as a sentence: "File Name:  a, b.", or "." without a file.

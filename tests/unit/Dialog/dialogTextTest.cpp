@@ -127,7 +127,8 @@ TEST(JoinMarkup, WhatDoesNotParseIsPlain)
 {
     for (const char *const text :
          {"<b>x & y", "a < b", "</markup><b>x</b>", "&unknown;", "<span weight='nonsense'>x</span>",
-          "<nonsense>x</nonsense>", "<span nonsense='1'>x</span>", "<b x='1'>x</b>", "<span size='nonsense'>x</span>"})
+          "<nonsense>x</nonsense>", "<span nonsense='1'>x</span>", "<b x='1'>x</b>", "<a>x</a>",
+          "<a href='y' z='1'>x</a>", "<a title='y'>x</a>", "<span size='nonsense'>x</span>"})
         EXPECT_EQ(words(text), text);
     for (const char *const text : {"<b>x & y", "<b></b>", "<span>  </span>"})
         EXPECT_EQ(markup(text), "(plain)") << text;
