@@ -215,6 +215,11 @@ class TheFile(TranscriptCase):
         self.names_key(folder / FILE, "", "normal")
         self.assertEqual(self.session.warnings(), [])
 
+    def is_told_of_missing_rights(self):
+        """Once the notice has gone, the controls below it have moved back and can be aimed at."""
+        self.application.has_label(NO_RIGHTS)
+        self.application.gone("label", NO_RIGHTS)
+
     def test_is_cut_to_its_new_length(self):
         self.begin()
         folder = self.folder()
@@ -233,7 +238,7 @@ class TheFile(TranscriptCase):
                 self.addCleanup(folder.chmod, 0o755)
                 self.save(folder)
                 self.session.log.expect("You Dont Have access", before + 1)
-                self.application.has_label(NO_RIGHTS)
+                self.is_told_of_missing_rights()
                 folder.chmod(0o755)
                 self.assertEqual(os.listdir(folder), [])
         self.can_still_be_saved()
@@ -253,7 +258,7 @@ class TheFile(TranscriptCase):
         xdotool("mousemove", *place, "click", 1)
         self.answered()
         self.session.log.expect("You Dont Have access")
-        self.application.has_label(NO_RIGHTS)
+        self.is_told_of_missing_rights()
         self.assertFalse(folder.exists())
         self.can_still_be_saved()
 
