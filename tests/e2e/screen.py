@@ -104,6 +104,8 @@ class Application:
 
     def gone(self, role, name=None, seconds=15):
         until(lambda: not self.look(role, name), f"{role} {name!r} goes away", seconds)
+        if role == "menu item" and not under_wayland():
+            until(_is_pointer_free, "the menu lets the pointer go")
 
     def shown_all(self, role):
         """All shown accessibles of a role, in the order of the tree."""
@@ -132,6 +134,17 @@ def place_of(accessible):
     look = accessible if callable(accessible) else lambda: accessible
     x, y, width, height = until(lambda: (found := look()) and steady_extents(found), "the place of a control")
     return x + width // 2, y + height // 2
+
+
+def _is_pointer_free():
+    """Nobody holds the pointer, as a menu does that is still on its way out: a click would go to it."""
+    connection = the_display()
+    status = connection.screen().root.grab_pointer(False, 0, X.GrabModeAsync, X.GrabModeAsync, X.NONE, X.NONE,
+                                                   X.CurrentTime)
+    if status == X.GrabSuccess:
+        connection.ungrab_pointer(X.CurrentTime)
+        connection.sync()
+    return status == X.GrabSuccess
 
 
 def under_wayland():
