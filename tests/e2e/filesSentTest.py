@@ -44,7 +44,7 @@ class SentFiles(SessionCase):
         bookmarks = home.path / ".config/gtk-3.0/bookmarks"
         bookmarks.parent.mkdir(parents=True)
         bookmarks.write_text(f"file://{self.folder}\n")
-        self.session = self.start(home=home, kind=kind, **options).ready()
+        self.session = self.start(home=home, kind=kind, **options).ready().heard()
         self.application = self.session.application
         self.before = len(self.session.agent.lines())
 

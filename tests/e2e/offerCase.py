@@ -6,7 +6,6 @@ import subprocess
 from faultServers import new_bus
 from screen import click
 from session import SANDBOX, SessionCase
-from waiting import until
 
 DIALOG = "Receive File"
 OPENED = "monitorData fileTransferRecive"
@@ -19,9 +18,9 @@ def accepted(path):
 
 class OfferCase(SessionCase):
     def begin(self, **options):
-        self.session = self.start(kind="ras", **options).ready()
+        self.session = self.start(kind="ras", **options).ready().heard()
         self.application = self.session.application
-        self.before = len(until(self.session.agent.lines, "the first line of all"))
+        self.before = len(self.session.agent.lines())
 
     def offer(self, fields):
         self.session.send(b"dialogPrompt fileTransferReceive " + (fields if isinstance(fields, bytes) else fields.encode()))

@@ -59,7 +59,7 @@ class PromptCase(SessionCase):
     """One session at a time; what the agent hears and what is logged is looked at from a mark on."""
 
     def begin(self, kind="ras", **options):
-        self.session = self.start(kind=kind, **options).ready()
+        self.session = self.start(kind=kind, **options).ready().heard()
         self.application = self.session.application
         self.windows = self.session.windows
         until(self.windows.managed, "the window manager lists the main window")

@@ -201,13 +201,15 @@ class Session:
         send_text(self.home.pipes / "Status", data, seconds)
 
     def ready(self):
-        """Waits until start-up is over: the window is there, a line from the agent is answered, and the agent has taken
-        in the first line of a session that it started."""
-        is_started_by_customer = self.kind in (None, "", "normal")
-        self.log.expect("normal session" if is_started_by_customer else "Threads created")
+        """Waits until start-up is over: the window is there and a line from the agent is answered."""
+        self.log.expect("normal session" if self.kind in (None, "", "normal") else "Threads created")
         self.settled()
-        if self.agent and not is_started_by_customer:
-            until(self.agent.lines, "the first line")
+        return self
+
+    def heard(self):
+        """Waits until the agent has taken in the first line of a session that it started."""
+        if self.kind not in (None, "", "normal"):
+            until(self.agent.lines, "the first line of all")
         return self
 
     def settled(self):
