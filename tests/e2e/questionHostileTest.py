@@ -225,7 +225,9 @@ class WhatCanNotBeRead(Hostile):
                 self.resists(dialog, "Join")
                 click(dialog.button("Cancel"))
                 self.assertEqual(self.session.wait(), 0)
-                self.assertEqual(self.heard(), [gone("samecon"), RESPONSE + "screenSharingDenied"])
+                said = [gone("samecon"), RESPONSE + "screenSharingDenied"]
+                until(lambda: len(self.heard()) >= len(said), "the last lines")
+                self.assertEqual(self.heard(), said)
                 self.assertEqual(self.session.warnings(), [])
 
 
