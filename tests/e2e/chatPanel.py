@@ -1,7 +1,10 @@
 """The chat panel as the customer uses it, and the technician at the other end."""
 
+import fcntl
 import os
 import pathlib
+import struct
+import termios
 
 import gi
 
@@ -17,6 +20,10 @@ from waiting import until  # noqa: E402
 def escaped(text):
     data = text if isinstance(text, bytes) else text.encode()
     return "".join(f"%{byte:02X}" for byte in data)
+
+
+def unread_bytes(pipe):
+    return struct.unpack("i", fcntl.ioctl(pipe, termios.FIONREAD, bytes(4)))[0]
 
 
 class ChatCase(SessionCase):
@@ -42,9 +49,11 @@ class ChatCase(SessionCase):
     def send_alone(self, text):
         """A text without a newline at its end. Nothing is written before the program has read it to its end, or it
         would be taken for a part of it."""
-        before = self.read_ends()
-        self.session.send_raw(text)
-        until(lambda: len(self.read_ends()) == 1 and self.read_ends() != before, "the program waits for the next text")
+        with open(self.session.home.pipes / "Status", "wb", buffering=0) as pipe:
+            pipe.write(text.encode())
+            until(lambda: not unread_bytes(pipe), "the program reads the text")
+            reading = self.read_ends()  # until the pipe is closed
+        until(lambda: len(self.read_ends()) == 1 and self.read_ends() != reading, "the program waits for the next text")
 
     def read_ends(self):
         """Descriptors at which the program reads what the agent writes; each text has one of its own."""

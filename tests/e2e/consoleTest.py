@@ -42,6 +42,10 @@ def focus(accessible, title):
     until(lambda: has_state(accessible, Atspi.StateType.FOCUSED), f"the keyboard is on {accessible.get_name()!r}")
 
 
+def contents(field):
+    return Atspi.Text.get_text(field, 0, -1)
+
+
 class Console(Application):
     """The console's window, found by the process that it runs in."""
 
@@ -59,9 +63,11 @@ class Console(Application):
 
     def type_into(self, name, text):
         """Replaces what stands in a field, with the keyboard."""
-        focus(self.find("text", name, only_shown=False), TITLE)
+        field = self.find("text", name, only_shown=False)
+        focus(field, TITLE)
         key("ctrl+a")
         xdotool("type", "--delay", "10", text)
+        until(lambda: contents(field) == text, lambda: f"{text!r} typed; there is {contents(field)!r}")
 
     def row(self, line):
         """Time, sender, line and meaning of the first listed line like this."""
@@ -73,8 +79,7 @@ class Console(Application):
         return until(lambda: self.row(line), lambda: f"{line!r} in the list; there is {self.describe()}")
 
     def script(self):
-        text = self.find("text", "Script")
-        return Atspi.Text.get_text(text, 0, -1)
+        return contents(self.find("text", "Script"))
 
 
 class ConsoleCase(SessionCase):
@@ -125,7 +130,7 @@ class Lines(ConsoleCase):
             console.type_into("Chat message: message", message)
             key("Return")
             until(lambda: self.conversation(session, message), f"{message!r} in the chat")
-        until(lambda: Atspi.Text.get_text(console.find("text", "Chat message: message"), 0, -1) == "", "an empty field")
+        until(lambda: contents(console.find("text", "Chat message: message")) == "", "an empty field")
         for name in ("John Smith", "Ann Lee"):
             until(lambda: self.conversation(session, name), lambda: f"{name!r} in the chat; there is {self.views(session)}")
         focus(session.application.find("text", "Message"), "Brindle")
@@ -144,7 +149,7 @@ class Lines(ConsoleCase):
 
     @staticmethod
     def views(session):
-        return [Atspi.Text.get_text(view, 0, -1) for view in session.application.shown_all("text")]
+        return [contents(view) for view in session.application.shown_all("text")]
 
     def conversation(self, session, text):
         return any(text in view for view in self.views(session))
