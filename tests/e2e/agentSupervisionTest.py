@@ -66,7 +66,8 @@ class TheAgent(SessionCase):
                                                       killed, "retry count 1"])
         times = agent_times(home)
         self.assertEqual(len(times), 3)
-        self.assertLess(times[2] - times[0], 0.9)
+        # A busy machine pauses, too, but not twice.
+        self.assertLess(min(times[1] - times[0], times[2] - times[1]), 0.9)
 
     def test_that_is_killed_after_its_last_word_is_not_started_again(self):
         home = Home()
@@ -152,7 +153,8 @@ class TheParent(SessionCase):
         wrapper = ["/bin/sh", "-c", f'"$0" "$@" & echo $! >"{home.path}/pid"; wait']
         session = self.start(home=home, kind="ras", wrapper=wrapper)
         session.log.expect("*" + "-" * 40 + "Application start" + "-" * 57 + "*")
-        return session, int((home.path / "pid").read_text())
+        pid = home.path / "pid"
+        return session, int(until(lambda: pid.exists() and pid.read_text().strip(), "the shell tells the process"))
 
     def expect_full_shut_down(self, session, program):
         status = until(lambda: os.waitpid(program, os.WNOHANG)[1:] if self.ended(program) else None,

@@ -21,12 +21,12 @@ QUESTIONS = {
     "script": ("dialogPrompt launchScript a.sh", None),
     "control": ("dialogPrompt command 41", "Ann has requested to control your device.\n Would you like to accept the request?"),
     "unattended": ("dialogPrompt configureURS 41", None),
-    "reboot": ("dialogPrompt rebootPc", None),
     "lock": ("dialogPrompt lockuser", None),
     "offer": ("dialogPrompt fileTransferReceive a.txt", "File Name:  a.txt."),
     "call": ("dialogPrompt vcall", None),
     "clipboard": ("clipboard", None),
     "swap": ("dialogPrompt initswap Ann", None),
+    "reboot": ("dialogPrompt rebootPc", None),  # the last, as it goes by itself
 }
 # Titles of the questions that run a loop of their own, and what their end says.
 SEND_FILES = "Send File"
@@ -39,7 +39,7 @@ class Ending(SessionCase):
     warned = []
 
     def begin(self, **options):
-        self.session = self.start(kind=self.KIND, **options).ready()
+        self.session = self.start(kind=self.KIND, **options).ready().heard()
         self.application = self.session.application
         self.session.send("sessionStatus participantsAdd Ann 41 true")
         self.session.settled()
@@ -164,21 +164,20 @@ class TheSystemEndsTheSession(Ending):
 
 
 class AnAgentThatFellSilent(Ending):
-    def begin(self):
-        super().begin()
+    def falls_silent(self):
         self.session._ended.set()  # it pings no more
+        self.session.log.expect("UI thread is not alive, exiting")
+        self.ends_in_order()
 
     def test_ends_it_while_files_are_chosen(self):
         self.begin()
         self.ask_for_files()
-        self.session.log.expect("UI thread is not alive, exiting")
-        self.ends_in_order()
+        self.falls_silent()
 
     def test_ends_it_while_a_question_is_open(self):
         self.begin()
         self.ask(QUESTIONS["service"][0])
-        self.session.log.expect("UI thread is not alive, exiting")
-        self.ends_in_order()
+        self.falls_silent()
 
 
 class TheCustomerLeaves(Ending):

@@ -9,7 +9,7 @@ from session import Home, SessionCase, adopt_orphans, main
 from transcriptTest import StoppedClock
 from waiting import stays, until
 
-WITHIN = 2.5
+WITHIN = 5  # two, and room for a machine that is busy with other tests
 FIVE_MINUTES_IN_TWENTY_SECONDS = 15  # how much faster the program's clock runs
 SILENT = "UI thread is not alive, exiting"
 QUESTIONS = ("rebootPc", "configureURS x", "samecon", "fileTransferReceive a 1", "acall", "launchScript x", "lockuser",
@@ -230,7 +230,7 @@ class AClockThatJumps(DyingCase):
         began = time.monotonic()
         for moment, _ in self.MOMENTS:
             clock.set(moment)
-            stays(lambda: session.log.count("loading resources") == 0, "the delay goes on", seconds=0.5)
+            stays(lambda: session.log.count("loading resources") == 0, "the delay goes on", seconds=0.3)
         session.log.expect("loading resources")
         self.assertTrue(2 < time.monotonic() - began < 8)
         session.ready()

@@ -14,7 +14,8 @@ from waiting import until
 REGISTERED = "registerd for parent kill signal"
 AT_ONCE = 24  # sessions; more would only wait for each other while they start
 HANG = 30
-EARLY = 4  # seconds that a session may still need before it is told
+SOON = 3  # two seconds, and room for a display that is busy with other sessions
+EARLY = 5  # seconds that a session may still need before it is told
 
 
 def waited_for_processor(process):
@@ -132,7 +133,8 @@ class ASignal(unittest.TestCase):
                 self.leaves_nothing(run)
 
     def test_of_the_agents_end_always_ends_the_session_in_order(self):
-        runs = self.play([Run("ras", signal.SIGTERM, after) for after in moments(50)])
+        late = [10 + turn / 20 for turn in range(12)]  # these are ready on any machine
+        runs = self.play([Run("ras", signal.SIGTERM, after) for after in (*moments(50), *late)])
         for run in runs:
             with self.subTest(f"after {run.after:.2f} s"):
                 self.leaves_nothing(run)
@@ -140,7 +142,7 @@ class ASignal(unittest.TestCase):
                     self.assertIn(run.status, (0, -signal.SIGTERM), str(run))
                 if run.registered or run.status == 0:
                     self.ended_in_order(run)
-                    self.assertLess(run.took - run.waited, 2 if run.registered else EARLY, str(run))
+                    self.assertLess(run.took - run.waited, SOON if run.registered else EARLY, str(run))
         told = [run for run in runs if run.registered]
         self.assertGreater(len(told), 10, "some were ready")
         self.assertLess(len(told), len(runs) - 10, "some were not")

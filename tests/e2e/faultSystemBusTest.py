@@ -26,8 +26,10 @@ class LookupCase(OfferCase, DesktopCase):
         self.session.agent.expect(OPENED, accepted(folder), after=before)
 
     def failed(self, step, times=1):
-        messages = self.session.log.messages()
-        self.assertEqual(sum(message.startswith(step) for message in messages), times, messages)
+        def count():
+            return sum(message.startswith(step) for message in self.session.log.messages())
+        until(lambda: count() >= times, self.session.log.tail)
+        self.assertEqual(count(), times, self.session.log.tail())
 
 
 class ASystemBus(LookupCase):

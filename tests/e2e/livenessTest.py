@@ -4,16 +4,25 @@ import threading
 import time
 
 from session import FAST, SessionCase, main
-from waiting import stays
+from waiting import stays, until
 
 CHECK = "Checking ss is alive"
 
 
 class TheProgram(SessionCase):
-    def ends_after(self, session):
-        """Seconds of the program's own clock from its first look to its end."""
-        session.log.expect(CHECK)
-        began = time.monotonic()
+    def first_look(self, session):
+        """A moment just before the program's first look: when its line was last missing in the log."""
+        moments = [time.monotonic()]
+
+        def has_looked():
+            moments.append(time.monotonic())
+            return session.log.count(CHECK)
+
+        until(has_looked, session.log.tail)
+        return moments[-2]
+
+    def ends_after(self, session, began):
+        """Seconds of the program's own clock from this moment to its end."""
         self.assertEqual(session.wait(), 0)
         return (time.monotonic() - began) * FAST
 
@@ -36,17 +45,18 @@ class TheProgram(SessionCase):
         session.log.expect("registerd for parent kill signal")
         session.send("PING UI")
         stays(session.alive, "the session waits", seconds=70 / FAST)
+        began = time.monotonic()
         with open(session.home.pipes / "myfifo") as pipe:
             self.assertEqual(pipe.readline(), "SendSessionDetails\n")
-        self.expect_ended_for_silence(session, self.ends_after(session))
+        self.expect_ended_for_silence(session, self.ends_after(session, began))
 
     def test_ends_without_a_ping(self):
         session = self.start(kind="ras", pings=False)
-        self.expect_ended_for_silence(session, self.ends_after(session))
+        self.expect_ended_for_silence(session, self.ends_after(session, self.first_look(session)))
 
     def test_ends_when_only_words_like_a_ping_come(self):
         session = self.start(kind="ras", pings=False)
-        session.log.expect(CHECK)
+        began = self.first_look(session)
         ended = threading.Event()
 
         def whisper():
@@ -58,16 +68,17 @@ class TheProgram(SessionCase):
 
         thread = threading.Thread(target=whisper)
         thread.start()
-        seconds = self.ends_after(session)
+        seconds = self.ends_after(session, began)
         ended.set()
         thread.join()
         self.expect_ended_for_silence(session, seconds)
 
     def test_ends_when_the_pings_stop(self):
         session = self.start(kind="ras", pings=False)
-        session.log.expect(CHECK)
+        began = self.first_look(session)
+        stays(session.alive, "the session lives on", seconds=0.2)  # the look comes behind its line
         session.send("PING UI")
-        seconds = self.ends_after(session)
+        seconds = self.ends_after(session, began)
         self.assertTrue(28 < seconds < 60, f"ended after {seconds:.1f} s")
 
     def test_never_asks_for_pings_in_a_normal_session(self):

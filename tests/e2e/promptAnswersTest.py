@@ -162,6 +162,7 @@ class TheQuestionToJoin(Answers):
                 self.begin()
                 _, line = self.answer(JOIN, how, str.lower)
                 self.assertEqual(self.session.wait(), 0)
+                until(lambda: len(self.heard()) >= len(DENIED), "the last lines")
                 self.assertEqual(self.heard(), DENIED)
                 logged = self.logged()
                 self.assertEqual(logged[:4], ["Dialog Prompt Message recived ", line + "s", *JOIN.logged,

@@ -22,7 +22,7 @@ def is_fifo(path):
 
 class ANormalSession(SessionCase):
     def test_start_and_end_write_their_lines_in_order(self):
-        session = self.start().ready()
+        session = self.start(speed=1).ready()  # its threads have the whole tenth of a second to end in
         home = session.home
         self.assertEqual(session.quit(), 0)
         missing = session.log.has_in_order(
@@ -103,7 +103,7 @@ class AnAgentStartedSession(SessionCase):
         os.mkfifo(home.pipes / "Status")
         os.mkfifo(home.pipes / "myfifo")
         before = os.stat(home.pipes / "myfifo").st_ino
-        session = self.start(home=home, kind="ras").ready()
+        session = self.start(home=home, kind="ras", speed=1).ready()  # time enough to remove its pipe at the end
         problem = "error creating pipe {}/{}"
         self.assertEqual(session.log.count(problem.format(home.pipes, "Status")), 1)
         self.assertEqual(session.log.count(problem.format(home.pipes, "myfifo")), 1)
@@ -118,11 +118,11 @@ class AnAgentStartedSession(SessionCase):
         session.send("exit")
         began = time.monotonic()
         self.assertEqual(session.wait(), 0)
-        self.assertLess(time.monotonic() - began, 2.5)
+        self.assertLess(time.monotonic() - began, 5)  # two, and room for a machine that is busy with other tests
 
 
 class ASecondStart(SessionCase):
-    """The first one keeps its real clock, so that its four seconds are four seconds."""
+    """The first one's four seconds are eight, in which a busy machine has started the second one."""
 
     def second(self, home):
         began = time.monotonic()
@@ -131,21 +131,21 @@ class ASecondStart(SessionCase):
         return status, time.monotonic() - began
 
     def test_ends_at_once_and_leaves_the_first_alone_during_its_delay_and_later(self):
-        first = self.start(speed=1)
+        first = self.start(speed=0.5)
         home = first.home
         first.log.expect(APPLICATION_START)
         first.log.expect("User Path Set")
         began = time.monotonic()
         status, took = self.second(home)
         self.assertEqual(status, 0)
-        self.assertLess(took, 2)
+        self.assertLess(took, 7)
         self.assertEqual(first.log.count("loading resources"), 0, "the second start came after the delay")
         first.log.expect("loading resources")
-        self.assertGreater(time.monotonic() - began, 3)
+        self.assertGreater(time.monotonic() - began, 6)
         first.ready()
         status, took = self.second(home)
         self.assertEqual(status, 0)
-        self.assertLess(took, 2)
+        self.assertLess(took, 7)
         self.assertEqual(first.log.count(APPLICATION_START), 1)
         self.assertEqual(first.log.count(f"Created .desktop file at: {home.entry}"), 3)
         self.assertTrue(home.entry.exists())
@@ -155,13 +155,24 @@ class ASecondStart(SessionCase):
 
 
 class TheFixedDelay(SessionCase):
+    def moments(self, log, message, last):
+        """When the log was last seen without a message, and when with it."""
+        looks = [last]
+
+        def is_there():
+            looks.append(time.monotonic())
+            return log.count(message)
+
+        until(is_there, log.tail)
+        return looks[-2], time.monotonic()
+
     def test_is_four_seconds(self):
+        started = time.monotonic()
         session = self.start(speed=1)
-        session.log.expect("User Path Set")
-        began = time.monotonic()
-        session.log.expect("loading resources")
-        took = time.monotonic() - began
-        self.assertTrue(3.8 < took < 5.5, f"took {took:.2f} s")
+        before, begun = self.moments(session.log, "User Path Set", started)
+        waiting, over = self.moments(session.log, "loading resources", begun)
+        self.assertGreater(over - before, 3.8)
+        self.assertLess(waiting - begun, 5.5)
 
 
 class MissingThings(SessionCase):
