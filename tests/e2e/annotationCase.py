@@ -6,6 +6,7 @@ import shutil
 
 from Xlib import error
 
+from pipes import unread_bytes
 from screen import click, colour_at, sensitive, the_display, xdotool
 from session import SIMULATOR, Home, SessionCase, lives
 from waiting import until
@@ -63,6 +64,15 @@ class AnnotationCase(SessionCase):
         until(lambda: not sensitive(self.tool(name)), f"{name} is in use")
         self.application.has_label(HINT)
         until(lambda: is_window_at("Annotation", *START), "the overlay takes the pointer")
+        until(self.has_read, "the overlay takes in its command")
+
+    def has_read(self):
+        """The overlay, which obeys what it reads before it looks at the pointer, has read all that was written."""
+        pipe = os.open(self.pipes[0], os.O_RDONLY | os.O_NONBLOCK)
+        try:
+            return not unread_bytes(pipe)
+        finally:
+            os.close(pipe)
 
     def leave(self):
         """The right button gives the cursor back."""

@@ -105,7 +105,7 @@ class TheTools(AnnotationCase):
         self.assertEqual(self.session.warnings(), [])
 
     def test_send_one_bare_command_each_and_the_session_sends_the_last(self):
-        self.begin(program=None)
+        self.begin(program=None, speed=1)  # the last command waits a second and a half for a reader
         home = self.session.home
         program = home.product / "bin/Annotation"
         program.write_text(RECORDER.format(folder=home.path))

@@ -3,6 +3,7 @@
 import http.server
 import os
 import threading
+import time
 
 import gi
 
@@ -89,6 +90,7 @@ class InvitationCase(ChatCase):
         place = self.place_of_character(offset)
         if place:
             xdotool("mousemove", *place)
+            time.sleep(0.1)  # in which a scroll that is due is done
         return place and place == self.place_of_character(offset)
 
     def place_of_character(self, offset):

@@ -152,6 +152,7 @@ class FromTheCustomer(ChatCase):
             if number % 10 == 0:
                 self.type(f"answer {number}", "Return")
         self.session.settled()
+        until(lambda: len(self.sent()) == 5, lambda: f"five answers; the agent received {self.sent()}")
         self.receive("last")
         until(lambda: self.conversation().endswith("\nlast\n"), "the last message")
         for number in range(0, 50, 10):

@@ -1,10 +1,7 @@
 """The chat panel as the customer uses it, and the technician at the other end."""
 
-import fcntl
 import os
 import pathlib
-import struct
-import termios
 
 import gi
 
@@ -12,7 +9,8 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from keyboard import key  # noqa: E402
-from screen import click, xdotool  # noqa: E402
+from pipes import unread_bytes  # noqa: E402
+from screen import click, click_through, xdotool  # noqa: E402
 from session import SessionCase  # noqa: E402
 from waiting import until  # noqa: E402
 
@@ -20,10 +18,6 @@ from waiting import until  # noqa: E402
 def escaped(text):
     data = text if isinstance(text, bytes) else text.encode()
     return "".join(f"%{byte:02X}" for byte in data)
-
-
-def unread_bytes(pipe):
-    return struct.unpack("i", fcntl.ioctl(pipe, termios.FIONREAD, bytes(4)))[0]
 
 
 class ChatCase(SessionCase):
@@ -76,7 +70,7 @@ class ChatCase(SessionCase):
 
     def take_field(self):
         """Puts the caret behind what stands in the message field."""
-        click(self.application.find("text", "Message"))
+        click_through(self.application.find("text", "Message"))
         self.session.windows.wait_focus("Brindle")
         key("ctrl+End")  # the pointer may have put the caret before a newline
 

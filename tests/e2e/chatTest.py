@@ -76,7 +76,7 @@ class AReceivedMessage(ANewConversation):
               lambda: f"{Atspi.Text.get_character_count(view)} characters", seconds=60)
         self.receive("after")
         until(lambda: Atspi.Text.get_text(view, 1_000_006, -1) == "after\n", "the next message", seconds=60)
-        self.assertTrue(Atspi.Text.get_text(view, 0, -1) == f"\nAnn\n{words}\nafter\n")
+        until(lambda: Atspi.Text.get_text(view, 0, -1) == f"\nAnn\n{words}\nafter\n", "the whole text", seconds=60)
 
 
 class ABurstOfMessages(ANewConversation):

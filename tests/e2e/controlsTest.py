@@ -133,7 +133,7 @@ class AnAgentThatReadsBadly(SessionCase):
         session.send("exit")
         began = time.monotonic()
         self.assertEqual(session.wait(), 0)
-        self.assertLess(time.monotonic() - began, 2.5)
+        self.assertLess(time.monotonic() - began, 5)  # a tenth of a second, and room for a busy machine
         self.assertEqual(session.log.messages()[-1], "freed meamory")
 
     def test_and_reads_late_gets_the_line_all_the_same(self):

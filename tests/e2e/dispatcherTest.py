@@ -16,6 +16,7 @@ class EachWord(SessionCase):
         super().setUpClass()
         cls.session = cls.start_shared().ready()
         cls.application = cls.session.application
+        until(cls.session.home.agent_starts, "the agent starts")  # and what starts it has logged so
 
     def setUp(self):
         super().setUp()
@@ -117,11 +118,11 @@ class EachWord(SessionCase):
 
 
 class TheNotice(SessionCase):
-    """At a slower clock, so that the three seconds of a notice can be seen."""
+    """At its own speed, so that the three seconds of a notice can be seen."""
 
     def test_about_annotation_comes_and_goes_by_itself(self):
         notice = "Your computer does not support Annotation."
-        session = self.start(speed=3).ready()
+        session = self.start(speed=1).ready()
         session.send("NOT32")
         session.log.expect("Cannot start annotation as this system doenn't support 32 bit")
         session.application.has_label(notice)
@@ -129,7 +130,7 @@ class TheNotice(SessionCase):
         session.log.expect("Hiding info bar")
 
     def test_about_the_connection_shows_where_a_notice_is_open(self):
-        session = self.start(speed=3).ready()
+        session = self.start(speed=1).ready()
         session.send("blockInput")
         session.application.has_label("Press Esc key to enable input device")
         session.send("connectionLost")

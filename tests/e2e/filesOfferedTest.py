@@ -6,7 +6,6 @@ import subprocess
 
 from keyboard import key
 from offerCase import DIALOG, OPENED, REFUSED, OfferCase, SeatCase, accepted
-from screen import click
 from session import FAST, Home, faster_clock, main
 from waiting import until
 
@@ -27,8 +26,7 @@ class ChooserCase(OfferCase):
 
     def choose(self, bookmark):
         """Chooses a folder that stands beside the list."""
-        click(lambda: self.application.look("label", bookmark))
-        self.application.find("toggle button", bookmark)
+        self.application.go_to_place(bookmark)
         self.press("Open")
         self.chooser_is_gone()
 
@@ -163,6 +161,7 @@ class TheFolder(ChooserCase):
         self.session.log.expect("You Dont Have access")
         self.application.has_label(NO_RIGHTS)
         self.application.has_label("/tmp/")
+        self.application.gone("label", NO_RIGHTS)  # the buttons below it have moved back
         self.change_path("good")
         self.application.has_label(str(home.path / "good"))
         self.press("Save")

@@ -9,7 +9,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from keyboard import key  # noqa: E402
-from screen import click, xdotool  # noqa: E402
+from screen import click, click_through, xdotool  # noqa: E402
 from session import Home, SessionCase, main  # noqa: E402
 from waiting import until  # noqa: E402
 
@@ -57,8 +57,7 @@ class SentFiles(SessionCase):
         self.session.windows.wait_focus(CHOOSER)
 
     def go_to_shelf(self):
-        click(lambda: self.application.look("label", "shelf"))  # beside the list, and then above it
-        self.application.find("toggle button", "shelf")
+        self.application.go_to_place("shelf")
 
     def select(self, *names):
         """Clicks the rows of these files, the second and later ones with Control held."""
@@ -67,7 +66,7 @@ class SentFiles(SessionCase):
             if number:
                 xdotool("keydown", "ctrl")
             try:
-                click(row)
+                click_through(row)  # Control is held and let go of at once
             finally:
                 xdotool("keyup", "ctrl")
 

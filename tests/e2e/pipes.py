@@ -1,8 +1,11 @@
 """The agent's side of both pipes."""
 
 import errno
+import fcntl
 import os
 import select
+import struct
+import termios
 import threading
 import time
 
@@ -76,6 +79,11 @@ class PipeReader:
         poller = select.poll()
         poller.register(descriptor, select.POLLIN)
         return poller.poll(20)
+
+
+def unread_bytes(pipe):
+    """How much of what was written to a FIFO waits for its reader; either end will do."""
+    return struct.unpack("i", fcntl.ioctl(pipe, termios.FIONREAD, bytes(4)))[0]
 
 
 def send_text(path, text, seconds=15):

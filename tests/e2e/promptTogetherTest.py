@@ -114,7 +114,8 @@ class SeveralQuestions(Together):
 class DoubledPrompts(Together):
     def opens(self, count):
         """Counted without a walk through all of them, as one goes by itself."""
-        until(lambda: len(self.windows.managed()) > count, lambda: f"{count} dialogs; there is {self.application.describe()}")
+        until(lambda: len(self.windows.managed()) > count,
+              lambda: f"{count} dialogs; there is {self.application.describe()}")
         self.session.settled()
         self.assertEqual(len(self.windows.managed()), count + 1)  # with the main window
 

@@ -39,8 +39,9 @@ class RootCase(SessionCase):
 
 class EachInstallation(RootCase):
     def test_of_a_service_for_one_user(self):
+        # At its own speed: the end gives a thread a tenth of a second to remove its pipe.
         session = self.start_root("UrsUserSession", f"/var/log/Brindle/{os.getuid()}/Logs", f"{MACHINE}/temp",
-                                  f"{MACHINE}/Resource")
+                                  f"{MACHINE}/Resource", speed=1)
         self.pipes_are(session, f"{MACHINE}/temp")
         self.has_pictures(session)
         self.assertEqual(session.log.count("root Path Set"), 0)

@@ -12,7 +12,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 from Xlib import X, display, error  # noqa: E402
 
-from waiting import until  # noqa: E402
+from waiting import TimedOut, until  # noqa: E402
 from waylandCompositor import Compositor  # noqa: E402
 
 warnings.simplefilter("ignore")
@@ -117,6 +117,17 @@ class Application:
     def labels(self):
         """Texts of the shown labels that have one."""
         return [a.get_name() for a in self.shown_all("label") if a.get_name()]
+
+    def go_to_place(self, label, shown_as=None):
+        """Clicks a folder in a chooser's list of places until it stands above the files. That list is built anew while
+        it fills; a click that falls into that is made once more."""
+        for _ in range(3):
+            click(lambda: self.look("label", label))
+            try:
+                return self.find("toggle button", shown_as or label, seconds=5)
+            except TimedOut:
+                continue
+        raise TimedOut(f"the folder {label!r} is never shown")
 
     def has_label(self, text, seconds=15):
         self.find("label", text, seconds=seconds)
@@ -228,6 +239,14 @@ def click(accessible, button=1):
         return
     point_at(accessible)
     xdotool("click", button)
+
+
+def click_through(accessible):
+    """A click that no key and no request overtakes: the window manager holds clicks back until it has looked at them,
+    but no keys. Not for what opens a menu, which holds the pointer."""
+    click(accessible)
+    if not under_wayland():
+        until(_is_pointer_free, "the click arrives")
 
 
 def point_at(accessible):

@@ -28,10 +28,11 @@ class AWholeSession(SessionCase):
         session.log.expect("received techincian name Ann Lee ")
         application = session.application
         application.has_label("Ann Lee")
-        for name in ("Pause Screen Sharing", "Resume Screen Sharing"):
+        for name, word in (("Pause Screen Sharing", "stop"), ("Resume Screen Sharing", "start")):
             button = application.find("push button", name)
             until(lambda: sensitive(button), f"{name} can be clicked")
             click(button)
+            until(lambda: f"< buttonClicked {word}" in record.read_text(), record.read_text)  # as a text of its own
         windows = session.windows
         windows.close(windows.find("Brindle"))
         click(application.find("push button", "Yes"))

@@ -3,6 +3,7 @@ is on it or can be scrolled, and every button can be reached."""
 
 import base64
 import json
+import time
 
 import gi
 
@@ -80,7 +81,12 @@ class SmallScreen(SessionCase):
             extents = button.get_extents(Atspi.CoordType.SCREEN)
             return extents.x, extents.y, extents.width, extents.height
         button = self.application.find("push button", self.texts[name])
-        seen = until(lambda: place() if place() == place() else None, f"{name} has its place")
+
+        def steady():
+            before = place()
+            time.sleep(0.1)  # in which a layout that is due is done
+            return before if place() == before else None
+        seen = until(steady, f"{name} has its place")
         press(*(self.scale * (seen[side] + seen[side + 2] // 2) for side in (0, 1)))
 
     def outside(self, window):

@@ -1,7 +1,6 @@
 """The conversation is saved through the real button and folder question: every byte of the file, and what the customer
 sees when it can't be written."""
 
-import contextlib
 import os
 import re
 
@@ -15,7 +14,7 @@ from keyboard import key  # noqa: E402
 from rootLayoutTest import MACHINE, REACH, RootCase  # noqa: E402
 from screen import click, has_state, place_of, sensitive, xdotool  # noqa: E402
 from session import FAST, SANDBOX, Home, faster_clock, main  # noqa: E402
-from waiting import TimedOut, until  # noqa: E402
+from waiting import until  # noqa: E402
 
 QUESTION = "Save Chat Transcript"
 FILE = "Brindle_Chat_Log_.txt"
@@ -76,13 +75,7 @@ class TranscriptCase(ChatCase):
         key("Return")
 
     def go_home(self):
-        """The list of places is built anew while it fills; a click that falls into that is made once more."""
-        for _ in range(3):
-            click(lambda: self.application.look("label", "Home"))
-            with contextlib.suppress(TimedOut):
-                return until(lambda: self.application.look("toggle button", self.session.home.path.name),
-                             "the customer's folder", seconds=5)
-        raise TimedOut("the customer's folder is never shown")
+        self.application.go_to_place("Home", self.session.home.path.name)
 
     def entry(self):
         """What stands in the question's field for a path, once that takes keys; else None."""
@@ -251,8 +244,7 @@ class TheFile(TranscriptCase):
         folder.mkdir()
         self.begin(home=home, speed=1)
         self.ask()
-        click(lambda: self.application.look("label", "saved"))  # beside the list, and then above it
-        self.application.find("toggle button", "saved")
+        self.application.go_to_place("saved")
         place = place_of(self.application.find("push button", "Open"))
         folder.rmdir()
         xdotool("mousemove", *place, "click", 1)

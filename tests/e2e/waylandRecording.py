@@ -18,7 +18,8 @@ from waiting import until  # noqa: E402
 
 # Signs of life, and how far a thread comes that nobody waits for at the end.
 _NOISE = re.compile("Received Ping UI|settled-|Session Status Message recived |file opened properly|"
-                    "TRACE_CALL handleSessionStatusMessage|INFO infiniteChecker ")
+                    "TRACE_CALL handleSessionStatusMessage|INFO infiniteChecker |"
+                    "INFO messageParser closing thread")
 _REPORT = tuple(f"TRACE_CALL {name} " for name in ("get_window_coordinates", "encodeDialogeResponseMessage", "pipewriter"))
 _LINES = ("sessionStatus Connected", "sessionStatus disconnected", "sessionStatus disablechat",
           "sessionStatus enablechat", "sessionStatus disablefiletransfer", "sessionStatus enablefiletransfer",
@@ -137,7 +138,7 @@ def _play(session):
 def record():
     home = Home()
     home.install_agent()
-    session = Session(home, speed=2)  # the question whether to reboot goes by itself
+    session = Session(home, speed=1)  # the question whether to reboot goes by itself
     try:
         return _play(session.ready())
     finally:
