@@ -4,7 +4,6 @@ import subprocess
 
 from chatPanel import ChatCase, escaped
 from keyboard import key
-from screen import click
 from session import main
 from waiting import until
 

@@ -3,15 +3,10 @@
 import os
 import urllib.parse
 
-import gi
-
-gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
-
-from keyboard import key  # noqa: E402
-from screen import click, click_through, xdotool  # noqa: E402
-from session import Home, SessionCase, main  # noqa: E402
-from waiting import until  # noqa: E402
+from keyboard import key
+from screen import click, click_through, xdotool
+from session import Home, SessionCase, main
+from waiting import until
 
 CHOOSER = "Send File"
 TWO_GIB = 2 ** 31

@@ -16,7 +16,8 @@ SINGLE = {
     "dialogPrompt initswap Bob": None,
     "dialogPrompt command 41": None,
     "clipboard": "dialog box already running",
-    "dialogPrompt rebootPc": "dialog box already running",  # the last, as it goes by itself
+    # The last, as it goes by itself.
+    "dialogPrompt rebootPc": "dialog box already running",
 }
 WORDS = ("runAsService", "launchScript", "userConcent", "initswap", "command", "fileTransferReceive", "acall", "vcall",
          "cancelavcall", "rebootPc", "configureURS", "lockuser")
